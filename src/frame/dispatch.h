@@ -1,0 +1,92 @@
+// The one dispatch point of the vector kernels.
+//
+// A compositing family keeps its inner loops in a table of row kernels (plain
+// function pointers), with one table per instruction set:
+//
+//   <Family>Scalar   portable C++, the reference the others must match
+//   <Family>Sse2     SSE2, the x86 baseline
+//   <Family>Avx2     AVX2, used when the processor has it
+//
+// The exported function clips its region, then asks Active<Family>() for the
+// table of the running processor and calls its kernels row by row. Adding a
+// family means writing its table type, declaring it with
+// OSTREL_KERNEL_FAMILY, and defining the three tables; no plumbing is copied.
+//
+// The instruction set is chosen once, when the library is loaded. Tests can
+// lower it (LimitIsaForTesting) to run the same calls through every table.
+#ifndef OSTREL_FRAME_DISPATCH_H
+#define OSTREL_FRAME_DISPATCH_H
+
+#include <atomic>
+
+#if defined(__x86_64__) || defined(__i386__) || defined(_M_X64) || defined(_M_IX86)
+#define OSTREL_X86 1
+#else
+#define OSTREL_X86 0
+#endif
+
+// Marks a function whose body uses AVX2 instructions. The rest of the
+// library is compiled for the baseline, so nothing shared (inline functions,
+// templates) is ever emitted with AVX2 instructions by accident.
+#if OSTREL_X86 && (defined(__GNUC__) || defined(__clang__))
+#define OSTREL_TARGET_AVX2 __attribute__((target("avx2")))
+#else
+#define OSTREL_TARGET_AVX2
+#endif
+
+namespace ostrel {
+namespace simd {
+
+enum class Isa : int { kScalar = 0, kSse2 = 1, kAvx2 = 2 };
+
+// The active instruction set, as an Isa value (set at load).
+extern std::atomic<int> g_activeIsa;
+
+// The best instruction set the processor offers (kScalar off x86).
+Isa SupportedIsa();
+
+// The instruction set the kernels run with: SupportedIsa(), unless a test
+// lowered it.
+inline Isa ActiveIsa() {
+  return static_cast<Isa>(g_activeIsa.load(std::memory_order_relaxed));
+}
+
+// Runs the kernels with at most `limit` (never more than SupportedIsa()).
+// For tests; not exported.
+void LimitIsaForTesting(Isa limit);
+
+template <class Table>
+const Table &Pick(const Table &scalar, const Table *sse2, const Table *avx2) {
+  switch (ActiveIsa()) {
+    case Isa::kAvx2:
+      if (avx2 != nullptr) return *avx2;
+      [[fallthrough]];
+    case Isa::kSse2:
+      if (sse2 != nullptr) return *sse2;
+      [[fallthrough]];
+    default:
+      return scalar;
+  }
+}
+
+}  // namespace simd
+}  // namespace ostrel
+
+// Declares the three tables of a kernel family and Active<Table>().
+#if OSTREL_X86
+#define OSTREL_KERNEL_FAMILY(Table)                                                    \
+  extern const Table Table##Scalar;                                                    \
+  extern const Table Table##Sse2;                                                      \
+  extern const Table Table##Avx2;                                                      \
+  inline const Table &Active##Table() {                                                \
+    return ::ostrel::simd::Pick<Table>(Table##Scalar, &Table##Sse2, &Table##Avx2);     \
+  }
+#else
+#define OSTREL_KERNEL_FAMILY(Table)                                                    \
+  extern const Table Table##Scalar;                                                    \
+  inline const Table &Active##Table() {                                                \
+    return ::ostrel::simd::Pick<Table>(Table##Scalar, nullptr, nullptr);               \
+  }
+#endif
+
+#endif  // OSTREL_FRAME_DISPATCH_H

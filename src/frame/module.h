@@ -1,0 +1,40 @@
+// The module object and the state the library sets when it is loaded.
+#ifndef OSTREL_FRAME_MODULE_H
+#define OSTREL_FRAME_MODULE_H
+
+#include "MfcUtilities.h"
+
+// The library's one application object. It is a static object, so it is
+// created when the library is loaded, and its InitInstance runs right after:
+// it sets the module-wide fast-form flag from the processor-feature query
+// (MMX) and does nothing else; no thread is started at load.
+class COstrelApp : public CVornelWinAppForRegularDLL {
+ public:
+  int InitInstance() override;
+};
+
+namespace ostrel {
+namespace frame {
+
+// The module-wide fast-form flag: nonzero when the processor offers MMX. The
+// compositing functions that have a fast form run it when their `exact`
+// argument is false and this flag is set. 0 until the library is loaded.
+extern int g_fastFormFlag;
+
+inline bool UseFastForm(bool exact) { return !exact && g_fastFormFlag != 0; }
+
+// The library's processor-feature queries: MMX (which sets the flag), and
+// SSE2 and SSE3, which nothing in the library depends on. Each is nonzero
+// when the feature is present.
+int QueryMmx();
+int QuerySse2();
+int QuerySse3();
+
+// Sets the fast-form flag, for tests that run the exact form on a processor
+// with MMX. Not exported.
+void SetFastFormFlagForTesting(int value);
+
+}  // namespace frame
+}  // namespace ostrel
+
+#endif  // OSTREL_FRAME_MODULE_H

@@ -1,0 +1,19 @@
+// Conversions of doubles to integers, the one way the library does them.
+#ifndef OSTREL_FRAME_NUMERIC_H
+#define OSTREL_FRAME_NUMERIC_H
+
+#include <cstdint>
+
+namespace ostrel {
+
+// Truncates x toward zero to a signed 32-bit integer. A value outside the
+// range of int32 (or NaN) gives 0x80000000, the processor's "integer
+// indefinite" result, so the conversion never has undefined behaviour.
+inline std::int32_t TruncToInt32(double x) {
+  if (!(x > -2147483649.0 && x < 2147483648.0)) return INT32_MIN;
+  return static_cast<std::int32_t>(x);
+}
+
+}  // namespace ostrel
+
+#endif  // OSTREL_FRAME_NUMERIC_H

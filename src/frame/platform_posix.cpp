@@ -1,0 +1,23 @@
+// The platform layer on POSIX systems.
+#include "frame/cpu_features.h"
+#include "frame/platform.h"
+
+namespace ostrel {
+namespace platform {
+
+bool ProcessorFeaturePresent(unsigned int feature) {
+  const frame::CpuFeatures f = frame::ReadCpuFeatures();
+  switch (feature) {
+    case kFeatureMmx:
+      return f.mmx;
+    case kFeatureSse2:
+      return f.sse2;
+    case kFeatureSse3:
+      return f.sse3;
+    default:
+      return false;
+  }
+}
+
+}  // namespace platform
+}  // namespace ostrel
