@@ -2,11 +2,16 @@
 #include <immintrin.h>
 
 #include "compositing/fills_kernels.h"
+#include "compositing/string_store_x86.h"
 
 namespace ostrel {
 namespace {
 
 OSTREL_TARGET_AVX2 void Fill(std::uint32_t *row, std::size_t n, std::uint32_t colour) {
+  if (n >= kStringStoreMinPixels) {
+    StringStore32(row, n, colour);
+    return;
+  }
   std::size_t i = 0;
   while (i < n && (reinterpret_cast<std::uintptr_t>(row + i) & 31u) != 0) row[i++] = colour;
   const __m256i v = _mm256_set1_epi32(static_cast<int>(colour));

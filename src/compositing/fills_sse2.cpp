@@ -4,11 +4,16 @@
 #include <cstring>
 
 #include "compositing/fills_kernels.h"
+#include "compositing/string_store_x86.h"
 
 namespace ostrel {
 namespace {
 
 void Fill(std::uint32_t *row, std::size_t n, std::uint32_t colour) {
+  if (n >= kStringStoreMinPixels) {
+    StringStore32(row, n, colour);
+    return;
+  }
   std::size_t i = 0;
   // Single pixels up to a 16-byte boundary, then whole vectors.
   while (i < n && (reinterpret_cast<std::uintptr_t>(row + i) & 15u) != 0) row[i++] = colour;
