@@ -56,10 +56,12 @@ struct IUnknown {
 };
 #endif
 
-// Status values used by the stand-ins.
+// Status values used by the stand-ins (negative: failures), written as the
+// signed 32-bit values of their usual hexadecimal codes so that they stay
+// negative where long has 64 bits.
 const VornelStatus kVornelOk = 0;
-const VornelStatus kVornelNoInterface = static_cast<VornelStatus>(0x80004002L);
-const VornelStatus kVornelFail = static_cast<VornelStatus>(0x80004005L);
-const VornelStatus kVornelOutOfMemory = static_cast<VornelStatus>(0x8007000EL);
+const VornelStatus kVornelNoInterface = -2147467262L;  // 0x80004002
+const VornelStatus kVornelFail = -2147467259L;         // 0x80004005
+const VornelStatus kVornelOutOfMemory = -2147024882L;  // 0x8007000E
 
 #endif  // VORNEL_BASE_H

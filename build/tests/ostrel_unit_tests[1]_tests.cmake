@@ -1,7 +1,0 @@
-add_test([=[Module.Placeholder]=]  /work/main/build/tests/ostrel_unit_tests [==[--gtest_filter=Module.Placeholder]==] --gtest_also_run_disabled_tests)
-set_tests_properties([=[Module.Placeholder]=]  PROPERTIES WORKING_DIRECTORY /work/main/build/tests SKIP_REGULAR_EXPRESSION [==[\[  SKIPPED \]]==])
-add_test([=[Module.Placeholder2]=]  /work/main/build/tests/ostrel_unit_tests [==[--gtest_filter=Module.Placeholder2]==] --gtest_also_run_disabled_tests)
-set_tests_properties([=[Module.Placeholder2]=]  PROPERTIES WORKING_DIRECTORY /work/main/build/tests SKIP_REGULAR_EXPRESSION [==[\[  SKIPPED \]]==])
-add_test([=[Module.FastFormFlagIsSetAtLoadFromTheMmxQuery]=]  /work/main/build/tests/ostrel_unit_tests [==[--gtest_filter=Module.FastFormFlagIsSetAtLoadFromTheMmxQuery]==] --gtest_also_run_disabled_tests)
-set_tests_properties([=[Module.FastFormFlagIsSetAtLoadFromTheMmxQuery]=]  PROPERTIES WORKING_DIRECTORY /work/main/build/tests SKIP_REGULAR_EXPRESSION [==[\[  SKIPPED \]]==])
-set(  ostrel_unit_tests_TESTS Module.Placeholder Module.Placeholder2 Module.FastFormFlagIsSetAtLoadFromTheMmxQuery)
