@@ -1,9 +1,162 @@
+// The module object, the instruction-set limit, the suite's exception class
+// and text manager, and the window-procedure exception handler.
 #include <gtest/gtest.h>
 
-#include "frame/module.h"
-#include "frame/platform.h"
+#include <algorithm>
+#include <cctype>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
-TEST(Module, FastFormFlagIsSetAtLoadFromTheMmxQuery) {
-  EXPECT_EQ(ostrel::frame::g_fastFormFlag,
-            ostrel::platform::ProcessorFeaturePresent(ostrel::platform::kFeatureMmx) ? 1 : 0);
+#include "MfcUtilities.h"
+#include "VornelException.h"
+#include "VornelTextMgr.h"
+#include "frame/dispatch.h"
+#include "frame/module.h"
+
+namespace {
+
+using ostrel::simd::Isa;
+namespace frame = ostrel::frame;
+
+TEST(Module, FastFormFlagIsTheMmxQueryAtLoad) {
+  EXPECT_EQ(frame::g_fastFormFlag, frame::QueryMmx());
+#if defined(__x86_64__) || defined(_M_X64)
+  EXPECT_EQ(frame::g_fastFormFlag, 1);  // every x86-64 processor has MMX
+#endif
 }
+
+TEST(Dispatch, LimitIsClampedToWhatTheProcessorHas) {
+  const int best = static_cast<int>(ostrel::simd::SupportedIsa());
+#if defined(__x86_64__) || defined(_M_X64)
+  EXPECT_GE(best, static_cast<int>(Isa::kSse2));  // SSE2 is the x86-64 baseline
+#endif
+  for (int limit : {0, 1, 2, 1, 0}) {
+    ostrel::simd::LimitIsaForTesting(static_cast<Isa>(limit));
+    EXPECT_EQ(static_cast<int>(ostrel::simd::ActiveIsa()), std::min(limit, best)) << limit;
+  }
+  ostrel::simd::LimitIsaForTesting(Isa::kAvx2);
+  EXPECT_EQ(static_cast<int>(ostrel::simd::ActiveIsa()), best);
+}
+
+TEST(VornelException, KeepsBareFileNameCodeLineAndStatus) {
+  const char *const paths[][2] = {{"C:\\a\\b\\Ostrel", "Ostrel"},
+                                  {"x/y/MfcUtilities", "MfcUtilities"},
+                                  {"Ostrel", "Ostrel"},
+                                  {"a/b\\c", "c"}};
+  for (const auto &p : paths) EXPECT_STREQ(CVornelException(1, p[0], 2).GetSourceFile(), p[1]) << p[0];
+
+  const CVornelException plain(3, "src/frame/Ostrel", 9870), failed(1, "Ostrel", 5, kVornelOutOfMemory);
+  EXPECT_EQ(plain.GetCode(), 3);
+  EXPECT_EQ(plain.GetLine(), 9870);
+  EXPECT_EQ(plain.GetStatus(), 0);
+  EXPECT_STREQ(plain.what(), "Vornel exception 3 (Ostrel, line 9870)");
+  EXPECT_EQ(failed.GetStatus(), kVornelOutOfMemory);
+  std::string text = failed.what();  // the status in hex, either case
+  for (char &ch : text) ch = static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
+  EXPECT_NE(text.find("8007000e"), std::string::npos) << failed.what();
+}
+
+// Failure statuses must be negative for callers and MakeException to see them as failures.
+TEST(VornelException, MakeExceptionThrowsForNegativeStatusOnly) {
+  for (long status : {0L, 1L, 0x7FFFFFFFL}) EXPECT_NO_THROW(MakeException(status, nullptr)) << status;
+  for (long status : {-1L, kVornelFail, kVornelNoInterface, kVornelOutOfMemory}) {
+    EXPECT_LT(status, 0) << std::hex << "status 0x" << status;
+    try {
+      MakeException(status, nullptr);
+      ADD_FAILURE() << std::hex << "no exception for status 0x" << status;
+    } catch (const CVornelException &e) {
+      EXPECT_EQ(e.GetCode(), 1);
+      EXPECT_EQ(e.GetStatus(), status);
+    }
+  }
+}
+
+// Counts references and keeps what it is asked to report.
+class RecordingTextManager final : public ITextManager {
+ public:
+  VornelStatus VORNEL_STDCALL QueryInterface(const IID &, void **) override { return kVornelNoInterface; }
+  unsigned long VORNEL_STDCALL AddRef() override { return ++refs; }
+  unsigned long VORNEL_STDCALL Release() override { return --refs; }
+  VornelStatus VORNEL_STDCALL ReportException(const CVornelException &e) override {
+    reports.push_back(e);
+    return kVornelOk;
+  }
+  unsigned long refs = 0;
+  std::vector<CVornelException> reports;
+};
+
+// Installs a recording manager for one test and puts the previous one back.
+class TextManagerTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    previous_ = DllSetTextMgr(&manager_);
+    ASSERT_EQ(manager_.refs, 1u);
+  }
+  void TearDown() override {
+    if (ITextManager *ours = DllSetTextMgr(previous_)) ours->Release();
+    if (previous_ != nullptr) previous_->Release();  // the reference the first DllSetTextMgr handed over
+    EXPECT_EQ(manager_.refs, 0u);
+  }
+  // The handler's return per message: with a text manager, without one.
+  const struct {
+    unsigned int message;
+    FrameworkResult withManager, framework;
+  } messages_[3] = {{kWmCommand, 1, 0}, {kWmCreate, -1, -1}, {kWmPaint, 0, 0}};
+  RecordingTextManager manager_;
+  CVornelWinAppForRegularDLL app_;
+  ITextManager *previous_ = nullptr;
+};
+
+TEST_F(TextManagerTest, GetReturnsTheInstalledManagerWithAReference) {
+  ITextManager *got = DllGetTextMgr();
+  EXPECT_EQ(got, &manager_);
+  EXPECT_EQ(manager_.refs, 2u);
+  got->Release();
+}
+
+TEST_F(TextManagerTest, HandlerReportsThroughTheManager) {
+  const struct {
+    std::exception_ptr e;
+    int code;
+    const char *file;
+    int line;
+  } thrown[] = {
+      {std::make_exception_ptr(CVornelException(7, "a\\b\\Fills", 42)), 7, "Fills", 42},
+      {std::make_exception_ptr(std::bad_alloc()), 3, "MfcUtilities", 1358},
+      {std::make_exception_ptr(std::runtime_error("x")), 1, "MfcUtilities", 1353},
+      {std::make_exception_ptr(5), 1, "MfcUtilities", 1353},
+  };
+  for (const auto &t : thrown) {
+    for (const auto &m : messages_) {
+      manager_.reports.clear();
+      const CFrameworkMessage msg{m.message, 0, 0};
+      EXPECT_EQ(app_.ProcessWndProcException(t.e, &msg), m.withManager) << "message " << m.message;
+      ASSERT_EQ(manager_.reports.size(), 1u);
+      EXPECT_EQ(manager_.reports[0].GetCode(), t.code);
+      EXPECT_STREQ(manager_.reports[0].GetSourceFile(), t.file);
+      EXPECT_EQ(manager_.reports[0].GetLine(), t.line);
+    }
+  }
+  EXPECT_EQ(manager_.refs, 1u);  // the handler releases the manager it got
+}
+
+TEST_F(TextManagerTest, HandlerWithoutManagerFallsBackToFrameworkDefault) {
+  ITextManager *ours = DllSetTextMgr(nullptr);
+  ASSERT_EQ(ours, &manager_);
+  for (const auto &m : messages_) {
+    const CFrameworkMessage msg{m.message, 0, 0};
+    ::testing::internal::CaptureStderr();
+    const FrameworkResult got =
+        app_.ProcessWndProcException(std::make_exception_ptr(std::runtime_error("boom")), &msg);
+    const std::string err = ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(got, m.framework) << "message " << m.message;
+    EXPECT_NE(err.find("boom"), std::string::npos) << err;  // the default writes the exception's text
+  }
+  EXPECT_TRUE(manager_.reports.empty());
+  DllSetTextMgr(ours);  // installed again (a reference added) for TearDown
+  ours->Release();
+}
+
+}  // namespace
