@@ -34,12 +34,14 @@ namespace frame {
 
 // OSTREL_EXPECT(function, condition): in the checked build, reports condition
 // as a caller error of function when it does not hold. In the release build
-// the condition is not evaluated.
+// the condition is not evaluated (only named, so that what it mentions
+// counts as used).
 #if OSTREL_CHECKED
 #define OSTREL_EXPECT(function, condition) \
   ((condition) ? static_cast<void>(0) : ::ostrel::frame::ReportCallerError((function), #condition))
 #else
-#define OSTREL_EXPECT(function, condition) static_cast<void>(sizeof(function))
+#define OSTREL_EXPECT(function, condition) \
+  static_cast<void>(sizeof(function) + sizeof((condition) ? 1 : 0))
 #endif
 
 #endif  // OSTREL_FRAME_CHECKED_H

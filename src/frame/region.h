@@ -95,7 +95,8 @@ Extent ClipRowsOnly(const Plane<Pixel> &buffer, std::uint32_t regionWidth,
   e.rows = MinU32(buffer.height, buffer.top + regionHeight) - buffer.top;
   e.columns = regionWidth;
   if (e.rows != 0) {
-    OSTREL_EXPECT(caller, static_cast<std::uint64_t>(buffer.left) + regionWidth <= buffer.width);
+    const std::uint64_t left = buffer.left, width = buffer.width;
+    OSTREL_EXPECT(caller, left + regionWidth <= width);
   }
   return e;
 }
