@@ -35,9 +35,7 @@ OSTREL_TARGET_AVX2 void CopyIfNotKey(const std::uint32_t *src, std::uint32_t *ds
     const __m256i isKey = _mm256_cmpeq_epi32(s, k);
     _mm256_storeu_si256(reinterpret_cast<__m256i *>(dst + i), _mm256_blendv_epi8(s, d, isKey));
   }
-  for (; i < n; ++i) {
-    if (src[i] != key) dst[i] = src[i];
-  }
+  FillKernelsScalar.copyIfNotKey(src + i, dst + i, n - i, key);
 }
 
 // Eight pixels per step: drop the alpha byte within each 128-bit lane, then
@@ -53,11 +51,7 @@ OSTREL_TARGET_AVX2 void Pack24(const std::uint32_t *src, std::uint8_t *dst, std:
     _mm_storeu_si128(reinterpret_cast<__m128i *>(dst), _mm256_castsi256_si128(packed));
     _mm_storel_epi64(reinterpret_cast<__m128i *>(dst + 16), _mm256_extracti128_si256(packed, 1));
   }
-  for (; i < n; ++i, dst += 3) {
-    dst[0] = static_cast<std::uint8_t>(src[i]);
-    dst[1] = static_cast<std::uint8_t>(src[i] >> 8);
-    dst[2] = static_cast<std::uint8_t>(src[i] >> 16);
-  }
+  FillKernelsScalar.pack24(src + i, dst, n - i);
 }
 
 }  // namespace

@@ -38,9 +38,7 @@ void CopyIfNotKey(const std::uint32_t *src, std::uint32_t *dst, std::size_t n, s
     const __m128i out = _mm_or_si128(_mm_and_si128(isKey, d), _mm_andnot_si128(isKey, s));
     _mm_storeu_si128(reinterpret_cast<__m128i *>(dst + i), out);
   }
-  for (; i < n; ++i) {
-    if (src[i] != key) dst[i] = src[i];
-  }
+  FillKernelsScalar.copyIfNotKey(src + i, dst + i, n - i, key);
 }
 
 // Four pixels become three little-endian words: no byte-by-byte stores.
@@ -53,11 +51,7 @@ void Pack24(const std::uint32_t *src, std::uint8_t *dst, std::size_t n) {
                                     ((p2 >> 16) & 0x000000FFu) | (p3 << 8)};
     std::memcpy(dst, words, sizeof words);
   }
-  for (; i < n; ++i, dst += 3) {
-    dst[0] = static_cast<std::uint8_t>(src[i]);
-    dst[1] = static_cast<std::uint8_t>(src[i] >> 8);
-    dst[2] = static_cast<std::uint8_t>(src[i] >> 16);
-  }
+  FillKernelsScalar.pack24(src + i, dst, n - i);
 }
 
 }  // namespace
