@@ -123,13 +123,243 @@ OSTREL_API void ConvertBufferFrom32To24Bits(unsigned int *src, unsigned char *ds
 // ===========================================================================
 // Colour-to-colour blending
 // ===========================================================================
+// A TRC layer blended over a TRC picture with a global opacity. The members
+// differ in where a pixel's coverage comes from and in the fast form's
+// weight; all keep the destination's alpha byte and never read or write
+// outside the clipped region.
+//
+//   member                               coverage c            exact W        fast w
+//   AlphaBlendTRCToTRC                   source alpha byte     (c*o)/255      (c*o)>>8
+//   AlphaBlendTRCToTRCNoAlpha            none (full)           o              (255*o)>>8
+//   AlphaBlendTRCNoAlphaToTRC            none (full)           o              o
+//   AlphaBlendTRCWithAlphaBufferToTRC    alpha buffer byte     (c*o)/255      (c*o)>>8
+//     (own-geometry overload)            alpha buffer byte     (c*o)/255      no fast form
+
+OSTREL_API void AlphaBlendTRCToTRC(unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
+                                   unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
+                                   unsigned int dstWidth, unsigned int dstHeight,
+                                   unsigned int dstLeft, unsigned int dstTop,
+                                   unsigned char opacity, unsigned int regionWidth,
+                                   unsigned int regionHeight, bool exact);
+
+// The source's alpha byte is never read: every source pixel counts as fully
+// covering. The fast weight is (255 * opacity) >> 8, so opacity 255 moves a
+// channel 254/256 of the way.
+OSTREL_API void AlphaBlendTRCToTRCNoAlpha(unsigned int *src, unsigned int srcWidth,
+                                          unsigned int srcHeight, unsigned int srcLeft,
+                                          unsigned int srcTop, unsigned int *dst,
+                                          unsigned int dstWidth, unsigned int dstHeight,
+                                          unsigned int dstLeft, unsigned int dstTop,
+                                          unsigned char opacity, unsigned int regionWidth,
+                                          unsigned int regionHeight, bool exact);
+
+// As AlphaBlendTRCToTRCNoAlpha, except that the fast weight is the opacity
+// itself, so opacity 255 moves a channel 255/256 of the way.
+OSTREL_API void AlphaBlendTRCNoAlphaToTRC(unsigned int *src, unsigned int srcWidth,
+                                          unsigned int srcHeight, unsigned int srcLeft,
+                                          unsigned int srcTop, unsigned int *dst,
+                                          unsigned int dstWidth, unsigned int dstHeight,
+                                          unsigned int dstLeft, unsigned int dstTop,
+                                          unsigned char opacity, unsigned int regionWidth,
+                                          unsigned int regionHeight, bool exact);
+
+// Coverage from a separate alpha buffer that shares the source's geometry:
+// the coverage of source pixel (x, y) is alpha[y * srcWidth + x].
+OSTREL_API void AlphaBlendTRCWithAlphaBufferToTRC(unsigned int *src, unsigned char *alpha,
+                                                  unsigned int srcWidth, unsigned int srcHeight,
+                                                  unsigned int srcLeft, unsigned int srcTop,
+                                                  unsigned int *dst, unsigned int dstWidth,
+                                                  unsigned int dstHeight, unsigned int dstLeft,
+                                                  unsigned int dstTop, unsigned char opacity,
+                                                  unsigned int regionWidth,
+                                                  unsigned int regionHeight, bool exact);
+
+// Coverage from an alpha buffer with its own geometry: region pixel (i, j)
+// reads alpha[(alphaTop + j) * alphaWidth + alphaLeft + i]. The region is
+// clipped against source and destination only (alphaHeight is not used), so
+// the alpha region must lie inside its buffer. Exact form only: `exact` is
+// accepted and ignored.
+OSTREL_API void AlphaBlendTRCWithAlphaBufferToTRC(
+    unsigned int *src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcLeft,
+    unsigned int srcTop, unsigned char *alpha, unsigned int alphaWidth, unsigned int alphaHeight,
+    unsigned int alphaLeft, unsigned int alphaTop, unsigned int *dst, unsigned int dstWidth,
+    unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+    unsigned int regionWidth, unsigned int regionHeight, bool exact);
 
 // ===========================================================================
 // Grey-to-colour blending
 // ===========================================================================
+// Paint through a grey buffer into a TRC picture: the grey values are the
+// coverage of a paint colour (or, for AlphaBlendL08WithAlphaBufferToTRC, the
+// colour itself). Source is the grey buffer, destination the TRC buffer,
+// clipped as two buffers.
+//
+// lookup, where a member takes it, is null or a 256-entry table: each grey
+// value g is replaced by lookup[g] before it is used. The source buffer is
+// never written.
+
+// Coverage: the grey value (after lookup). Exact and fast forms.
+OSTREL_API void AlphaBlendL08ToTRC(unsigned char *src, unsigned int srcWidth,
+                                   unsigned int srcHeight, unsigned int srcLeft,
+                                   unsigned int srcTop, unsigned int colour, unsigned int *dst,
+                                   unsigned int dstWidth, unsigned int dstHeight,
+                                   unsigned int dstLeft, unsigned int dstTop,
+                                   unsigned char opacity, unsigned int regionWidth,
+                                   unsigned int regionHeight, bool exact, unsigned char *lookup);
+
+// Coverage: 255 minus the grey value. Exact and fast forms.
+OSTREL_API void AlphaBlendL08ToTRCInverted(unsigned char *src, unsigned int srcWidth,
+                                           unsigned int srcHeight, unsigned int srcLeft,
+                                           unsigned int srcTop, unsigned int colour,
+                                           unsigned int *dst, unsigned int dstWidth,
+                                           unsigned int dstHeight, unsigned int dstLeft,
+                                           unsigned int dstTop, unsigned char opacity,
+                                           unsigned int regionWidth, unsigned int regionHeight,
+                                           bool exact);
+
+// Coverage: the grey value (after lookup), exact form. Where that value is
+// not 0 the destination's alpha byte becomes 0 (even when opacity 0 leaves
+// the colour as it was); where it is 0 the pixel is left whole.
+OSTREL_API void AlphaBlendL08ToTRCAndEraseA(unsigned char *src, unsigned int srcWidth,
+                                            unsigned int srcHeight, unsigned int srcLeft,
+                                            unsigned int srcTop, unsigned int colour,
+                                            unsigned int *dst, unsigned int dstWidth,
+                                            unsigned int dstHeight, unsigned int dstLeft,
+                                            unsigned int dstTop, unsigned char opacity,
+                                            unsigned int regionWidth, unsigned int regionHeight,
+                                            unsigned char *lookup);
+
+// A mask value of 0 replaces the destination pixel by colour outright, all
+// 32 bits (the colour's top byte becomes the alpha byte), whatever the
+// opacity. Values 1..255 blend toward colour with coverage 255 - value in
+// the exact form and keep alpha, so 255 leaves the pixel as it was.
+OSTREL_API void ApplyQuickMaskToTRC(unsigned char *src, unsigned int srcWidth,
+                                    unsigned int srcHeight, unsigned int srcLeft,
+                                    unsigned int srcTop, unsigned int colour, unsigned int *dst,
+                                    unsigned int dstWidth, unsigned int dstHeight,
+                                    unsigned int dstLeft, unsigned int dstTop,
+                                    unsigned char opacity, unsigned int regionWidth,
+                                    unsigned int regionHeight);
+
+// Blends the destination toward the neutral grey (g, g, g) of each source
+// pixel, with coverage from an alpha buffer that shares the grey source's
+// geometry (alpha[y * srcWidth + x]). Exact form only: `exact` is ignored.
+OSTREL_API void AlphaBlendL08WithAlphaBufferToTRC(unsigned char *src, unsigned char *alpha,
+                                                  unsigned int srcWidth, unsigned int srcHeight,
+                                                  unsigned int srcLeft, unsigned int srcTop,
+                                                  unsigned int *dst, unsigned int dstWidth,
+                                                  unsigned int dstHeight, unsigned int dstLeft,
+                                                  unsigned int dstTop, unsigned char opacity,
+                                                  unsigned int regionWidth,
+                                                  unsigned int regionHeight, bool exact);
+
+// Coverage from the 16-bit source word itself, not reduced to 8 bits first:
+// word / 255 in the exact form, word >> 8 in the fast form. A full 12-bit
+// value (4095) therefore gives coverage 16 (exact) or 15 (fast): it moves
+// the destination about a sixteenth of the way toward colour.
+OSTREL_API void AlphaBlendL12ToTRC(unsigned short *src, unsigned int srcWidth,
+                                   unsigned int srcHeight, unsigned int srcLeft,
+                                   unsigned int srcTop, unsigned int colour, unsigned int *dst,
+                                   unsigned int dstWidth, unsigned int dstHeight,
+                                   unsigned int dstLeft, unsigned int dstTop,
+                                   unsigned char opacity, unsigned int regionWidth,
+                                   unsigned int regionHeight, bool exact);
 
 // ===========================================================================
 // Solid-colour blending
 // ===========================================================================
+// One colour, passed by value, laid into a TRC destination. k below is the
+// colour's byte for the channel in hand.
+//
+// Clipping: the mask members other than AlphaBlendAlphaToTRC clip against
+// the destination only; the mask is read from (maskLeft, maskTop) with
+// maskWidth as its stride (maskHeight is not used), so the mask region must
+// lie inside the mask buffer. AlphaBlendAlphaToTRC clips against mask and
+// destination as two buffers.
+
+// Weight: the colour's own alpha byte a, used directly:
+//   exact d + ((k - d) * a) / 255,   fast d + floor(((k - d) * a) / 256).
+OSTREL_API void AlphaBlendColorWithConstAlphaToTRC(unsigned int colour, unsigned int *buffer,
+                                                   unsigned int width, unsigned int height,
+                                                   unsigned int left, unsigned int top,
+                                                   unsigned int regionWidth,
+                                                   unsigned int regionHeight, bool exact);
+
+// Coverage: the mask byte. Exact and fast forms.
+OSTREL_API void AlphaBlendColorToTRC(unsigned int colour, unsigned char *mask,
+                                     unsigned int maskWidth, unsigned int maskHeight,
+                                     unsigned int maskLeft, unsigned int maskTop,
+                                     unsigned int *dst, unsigned int dstWidth,
+                                     unsigned int dstHeight, unsigned int dstLeft,
+                                     unsigned int dstTop, unsigned char opacity,
+                                     unsigned int regionWidth, unsigned int regionHeight,
+                                     bool exact);
+
+// The exact form is AlphaBlendColorToTRC's (coverage: the mask byte). The
+// fast form inverts the coverage (255 - mask byte) for the pixels it handles
+// in pairs, but uses the mask byte itself for the single pixel that ends a
+// row of odd length. Both forms are kept exactly so; callers rely on them.
+OSTREL_API void AlphaBlendColorToTRCInverted(unsigned int colour, unsigned char *mask,
+                                             unsigned int maskWidth, unsigned int maskHeight,
+                                             unsigned int maskLeft, unsigned int maskTop,
+                                             unsigned int *dst, unsigned int dstWidth,
+                                             unsigned int dstHeight, unsigned int dstLeft,
+                                             unsigned int dstTop, unsigned char opacity,
+                                             unsigned int regionWidth, unsigned int regionHeight,
+                                             bool exact);
+
+// Coverage 255 where the mask byte is not 0, else 0: W = opacity where the
+// mask is set. Exact form only: `exact` is ignored.
+OSTREL_API void AlphaBlendColorToTRCFlat(unsigned int colour, unsigned char *mask,
+                                         unsigned int maskWidth, unsigned int maskHeight,
+                                         unsigned int maskLeft, unsigned int maskTop,
+                                         unsigned int *dst, unsigned int dstWidth,
+                                         unsigned int dstHeight, unsigned int dstLeft,
+                                         unsigned int dstTop, unsigned char opacity,
+                                         unsigned int regionWidth, unsigned int regionHeight,
+                                         bool exact);
+
+// Pixels whose mask byte m is 0 are left alone. Elsewhere, per channel, the
+// colour is first laid over the background b with coverage m,
+// t = b + ((k - b) * m) / 255, and the destination then moves toward t by
+// the opacity: d + ((t - d) * opacity) / 255. Exact form only.
+OSTREL_API void AlphaBlendColorOnBGToTRC(unsigned int colour, unsigned int background,
+                                         unsigned char *mask, unsigned int maskWidth,
+                                         unsigned int maskHeight, unsigned int maskLeft,
+                                         unsigned int maskTop, unsigned int *dst,
+                                         unsigned int dstWidth, unsigned int dstHeight,
+                                         unsigned int dstLeft, unsigned int dstTop,
+                                         unsigned char opacity, unsigned int regionWidth,
+                                         unsigned int regionHeight, bool exact);
+
+// Blends value into the destination's alpha byte only: W = (m * opacity) /
+// 255 and a + ((value - a) * W) / 255. Blue, green and red are untouched.
+// Exact form only.
+OSTREL_API void AlphaBlendAlphaToTRC(unsigned char value, unsigned char *mask,
+                                     unsigned int maskWidth, unsigned int maskHeight,
+                                     unsigned int maskLeft, unsigned int maskTop,
+                                     unsigned int *dst, unsigned int dstWidth,
+                                     unsigned int dstHeight, unsigned int dstLeft,
+                                     unsigned int dstTop, unsigned char opacity,
+                                     unsigned int regionWidth, unsigned int regionHeight,
+                                     bool exact);
+
+// Blends colour into dst with the coverage b taken from the blue byte of each
+// source TRC pixel; source and destination are clipped as two buffers and
+// the destination's alpha byte is always kept. The path is chosen once per
+// call, all in the exact form:
+//   flat                         where b != 0, blue, green and red become
+//                                the colour's (opacity and scaleColour ignored)
+//   opacity < 255                W = (b * opacity) / 255, d + ((k - d) * W) / 255
+//   opacity 255, scaleColour     where b != 0 the channel becomes (b * k) / 255
+//                                (the old value plays no part); b = 0 leaves it
+//   opacity 255, not scaleColour d + ((k - d) * b) / 255
+// Note the argument order: the colour comes between the source group and the
+// destination pointer, and opacity right after the destination pointer.
+OSTREL_API void AlphaBlendColorWithAlphaBlueOfTrcToTrc(
+    unsigned int *src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcLeft,
+    unsigned int srcTop, unsigned int colour, unsigned int *dst, unsigned char opacity,
+    unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+    unsigned int regionWidth, unsigned int regionHeight, bool flat, bool scaleColour);
 
 #endif  // OSTREL_H

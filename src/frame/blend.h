@@ -64,7 +64,9 @@ constexpr std::int32_t Channel(std::int32_t d, std::int32_t s, std::uint32_t wei
 
 // ---- One 32-bit colour pixel ---------------------------------------------
 // Blue (bits 0-7), green (8-15) and red (16-23) of dst move toward those of
-// src by weight; the alpha byte (24-31) of dst is kept.
+// src by weight; the alpha byte (24-31) of dst is kept. Each channel is
+// stored as a byte (its low 8 bits: only a weight above 255, which a 16-bit
+// coverage word can give, leaves the range).
 
 template <Form form>
 constexpr std::uint32_t Pixel(std::uint32_t dst, std::uint32_t src, std::uint32_t weight) {
@@ -72,7 +74,7 @@ constexpr std::uint32_t Pixel(std::uint32_t dst, std::uint32_t src, std::uint32_
   for (int shift = 0; shift <= 16; shift += 8) {
     const std::int32_t d = static_cast<std::int32_t>((dst >> shift) & 0xFF);
     const std::int32_t s = static_cast<std::int32_t>((src >> shift) & 0xFF);
-    out |= static_cast<std::uint32_t>(Channel<form>(d, s, weight)) << shift;
+    out |= (static_cast<std::uint32_t>(Channel<form>(d, s, weight)) & 0xFFu) << shift;
   }
   return out;
 }

@@ -34,6 +34,23 @@
 #define OSTREL_TARGET_AVX2
 #endif
 
+// OSTREL_BEGIN_AVX2 ... OSTREL_END_AVX2: every function defined between the
+// two (templates included) may use AVX2. An AVX2 kernel file includes its
+// ordinary headers first and its vector code after OSTREL_BEGIN_AVX2, keeping
+// that code in an unnamed namespace so that none of it is shared with other
+// files.
+#if OSTREL_X86 && defined(__clang__)
+#define OSTREL_BEGIN_AVX2 \
+  _Pragma("clang attribute push(__attribute__((target(\"avx2\"))), apply_to = function)")
+#define OSTREL_END_AVX2 _Pragma("clang attribute pop")
+#elif OSTREL_X86 && defined(__GNUC__)
+#define OSTREL_BEGIN_AVX2 _Pragma("GCC push_options") _Pragma("GCC target(\"avx2\")")
+#define OSTREL_END_AVX2 _Pragma("GCC pop_options")
+#else
+#define OSTREL_BEGIN_AVX2
+#define OSTREL_END_AVX2
+#endif
+
 namespace ostrel {
 namespace simd {
 

@@ -1,0 +1,65 @@
+// Vector operations on eight 32-bit pixels with AVX2, under the names the
+// kernel templates use (simd_sse2.h has the same names for four pixels).
+// Include it only in an AVX2 kernel file, after OSTREL_BEGIN_AVX2.
+#ifndef OSTREL_COMPOSITING_SIMD_AVX2_H
+#define OSTREL_COMPOSITING_SIMD_AVX2_H
+
+#include <immintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace ostrel {
+namespace {
+
+struct Avx2 {
+  using Reg = __m256i;
+  static constexpr std::size_t kPixels = 8;
+
+  static Reg Load(const std::uint32_t *p) { return _mm256_loadu_si256(reinterpret_cast<const Reg *>(p)); }
+  static void Store(std::uint32_t *p, Reg v) { _mm256_storeu_si256(reinterpret_cast<Reg *>(p), v); }
+  // kPixels bytes or 16-bit words, each widened to a 32-bit lane.
+  static Reg BytesToLanes(const std::uint8_t *p) {
+    return _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i *>(p)));
+  }
+  static Reg WordsToLanes(const std::uint16_t *p) {
+    return _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i *>(p)));
+  }
+
+  static Reg Zero() { return _mm256_setzero_si256(); }
+  static Reg Set32(std::uint32_t v) { return _mm256_set1_epi32(static_cast<int>(v)); }
+  static Reg Set16(std::uint16_t v) { return _mm256_set1_epi16(static_cast<short>(v)); }
+  static Reg Set64(std::uint32_t hi, std::uint32_t lo) {
+    return _mm256_set_epi32(static_cast<int>(hi), static_cast<int>(lo), static_cast<int>(hi),
+                            static_cast<int>(lo), static_cast<int>(hi), static_cast<int>(lo),
+                            static_cast<int>(hi), static_cast<int>(lo));
+  }
+
+  static Reg And(Reg a, Reg b) { return _mm256_and_si256(a, b); }
+  static Reg AndNot(Reg a, Reg b) { return _mm256_andnot_si256(a, b); }  // ~a & b
+  static Reg Or(Reg a, Reg b) { return _mm256_or_si256(a, b); }
+  static Reg Xor(Reg a, Reg b) { return _mm256_xor_si256(a, b); }
+  static Reg CmpEq32(Reg a, Reg b) { return _mm256_cmpeq_epi32(a, b); }
+
+  static Reg Add16(Reg a, Reg b) { return _mm256_add_epi16(a, b); }
+  static Reg Sub16(Reg a, Reg b) { return _mm256_sub_epi16(a, b); }
+  static Reg SubSatU16(Reg a, Reg b) { return _mm256_subs_epu16(a, b); }
+  static Reg MulLo16(Reg a, Reg b) { return _mm256_mullo_epi16(a, b); }
+  static Reg MulHiU16(Reg a, Reg b) { return _mm256_mulhi_epu16(a, b); }
+  template <int n> static Reg ShiftRight16(Reg a) { return _mm256_srli_epi16(a, n); }
+  template <int n> static Reg ShiftLeft32(Reg a) { return _mm256_slli_epi32(a, n); }
+  template <int n> static Reg ShiftRight32(Reg a) { return _mm256_srli_epi32(a, n); }
+
+  // Bytes to 16-bit lanes and back; 32-bit lanes doubled (both within
+  // 128-bit halves, the same way on both instruction sets).
+  static Reg WidenLo8(Reg a) { return _mm256_unpacklo_epi8(a, _mm256_setzero_si256()); }
+  static Reg WidenHi8(Reg a) { return _mm256_unpackhi_epi8(a, _mm256_setzero_si256()); }
+  static Reg NarrowSat16(Reg lo, Reg hi) { return _mm256_packus_epi16(lo, hi); }
+  static Reg InterleaveLo32(Reg a, Reg b) { return _mm256_unpacklo_epi32(a, b); }
+  static Reg InterleaveHi32(Reg a, Reg b) { return _mm256_unpackhi_epi32(a, b); }
+};
+
+}  // namespace
+}  // namespace ostrel
+
+#endif  // OSTREL_COMPOSITING_SIMD_AVX2_H

@@ -1,0 +1,68 @@
+// Vector operations on four 32-bit pixels with SSE2, under the names the
+// kernel templates use (simd_avx2.h has the same names for eight pixels).
+// Include it only in an SSE2 kernel file.
+#ifndef OSTREL_COMPOSITING_SIMD_SSE2_H
+#define OSTREL_COMPOSITING_SIMD_SSE2_H
+
+#include <emmintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace ostrel {
+namespace {
+
+struct Sse2 {
+  using Reg = __m128i;
+  static constexpr std::size_t kPixels = 4;
+
+  static Reg Load(const std::uint32_t *p) { return _mm_loadu_si128(reinterpret_cast<const Reg *>(p)); }
+  static void Store(std::uint32_t *p, Reg v) { _mm_storeu_si128(reinterpret_cast<Reg *>(p), v); }
+  // kPixels bytes or 16-bit words, each widened to a 32-bit lane.
+  static Reg BytesToLanes(const std::uint8_t *p) {
+    std::int32_t four;
+    std::memcpy(&four, p, sizeof four);
+    const Reg zero = _mm_setzero_si128();
+    return _mm_unpacklo_epi16(_mm_unpacklo_epi8(_mm_cvtsi32_si128(four), zero), zero);
+  }
+  static Reg WordsToLanes(const std::uint16_t *p) {
+    return _mm_unpacklo_epi16(_mm_loadl_epi64(reinterpret_cast<const Reg *>(p)), _mm_setzero_si128());
+  }
+
+  static Reg Zero() { return _mm_setzero_si128(); }
+  static Reg Set32(std::uint32_t v) { return _mm_set1_epi32(static_cast<int>(v)); }
+  static Reg Set16(std::uint16_t v) { return _mm_set1_epi16(static_cast<short>(v)); }
+  static Reg Set64(std::uint32_t hi, std::uint32_t lo) {
+    return _mm_set_epi32(static_cast<int>(hi), static_cast<int>(lo), static_cast<int>(hi),
+                         static_cast<int>(lo));
+  }
+
+  static Reg And(Reg a, Reg b) { return _mm_and_si128(a, b); }
+  static Reg AndNot(Reg a, Reg b) { return _mm_andnot_si128(a, b); }  // ~a & b
+  static Reg Or(Reg a, Reg b) { return _mm_or_si128(a, b); }
+  static Reg Xor(Reg a, Reg b) { return _mm_xor_si128(a, b); }
+  static Reg CmpEq32(Reg a, Reg b) { return _mm_cmpeq_epi32(a, b); }
+
+  static Reg Add16(Reg a, Reg b) { return _mm_add_epi16(a, b); }
+  static Reg Sub16(Reg a, Reg b) { return _mm_sub_epi16(a, b); }
+  static Reg SubSatU16(Reg a, Reg b) { return _mm_subs_epu16(a, b); }
+  static Reg MulLo16(Reg a, Reg b) { return _mm_mullo_epi16(a, b); }
+  static Reg MulHiU16(Reg a, Reg b) { return _mm_mulhi_epu16(a, b); }
+  template <int n> static Reg ShiftRight16(Reg a) { return _mm_srli_epi16(a, n); }
+  template <int n> static Reg ShiftLeft32(Reg a) { return _mm_slli_epi32(a, n); }
+  template <int n> static Reg ShiftRight32(Reg a) { return _mm_srli_epi32(a, n); }
+
+  // Bytes to 16-bit lanes and back; 32-bit lanes doubled (both within
+  // 128-bit halves, the same way on both instruction sets).
+  static Reg WidenLo8(Reg a) { return _mm_unpacklo_epi8(a, _mm_setzero_si128()); }
+  static Reg WidenHi8(Reg a) { return _mm_unpackhi_epi8(a, _mm_setzero_si128()); }
+  static Reg NarrowSat16(Reg lo, Reg hi) { return _mm_packus_epi16(lo, hi); }
+  static Reg InterleaveLo32(Reg a, Reg b) { return _mm_unpacklo_epi32(a, b); }
+  static Reg InterleaveHi32(Reg a, Reg b) { return _mm_unpackhi_epi32(a, b); }
+};
+
+}  // namespace
+}  // namespace ostrel
+
+#endif  // OSTREL_COMPOSITING_SIMD_SSE2_H

@@ -1,0 +1,26 @@
+// The plumbing the blends into 32-bit colour share: choosing the form and
+// running a row kernel over a clipped region.
+#ifndef OSTREL_COMPOSITING_TRC_BLEND_H
+#define OSTREL_COMPOSITING_TRC_BLEND_H
+
+#include "compositing/trc_blend_kernels.h"
+#include "frame/blend.h"
+#include "frame/module.h"
+#include "frame/region.h"
+
+namespace ostrel {
+
+// Index of the form a call runs (into the two-form kernel entries).
+inline int FormIndex(bool exact) {
+  return static_cast<int>(frame::UseFastForm(exact) ? blend::Form::kFast : blend::Form::kExact);
+}
+
+// Calls kernel(rowOf(j), blend) for each row j of the clipped region.
+template <class RowOf>
+void BlendRows(Extent e, TrcRowKernel kernel, const TrcBlend &blend, RowOf &&rowOf) {
+  for (std::uint32_t j = 0; j < e.rows; ++j) kernel(rowOf(j), blend);
+}
+
+}  // namespace ostrel
+
+#endif  // OSTREL_COMPOSITING_TRC_BLEND_H
