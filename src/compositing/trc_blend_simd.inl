@@ -12,7 +12,7 @@
 //   fast   d + floor(((s - d) * w) / 256) = (s * w + d * (256 - w)) >> 8:
 //          the sum lies in 0..65280, so no signed arithmetic is needed.
 //   Div255(x) = (x * 0x8081) >> 23, which equals x / 255 for every x in
-//          0..65535.
+//          0..65535 (blend::Div255ByMultiply).
 // The last few pixels of a row go through a short copy, so no vector access
 // reaches past the row.
 #include <cstring>
@@ -22,9 +22,12 @@ namespace {
 
 using blend::Form;
 
+// x / 255 for 16-bit lanes, as blend::Div255ByMultiply: the high half of the
+// product is the product shifted by 16.
 template <class V>
 typename V::Reg Div255(typename V::Reg x) {
-  return V::template ShiftRight16<7>(V::MulHiU16(x, V::Set16(0x8081)));
+  const typename V::Reg high = V::MulHiU16(x, V::Set16(blend::kDiv255Multiplier));
+  return V::template ShiftRight16<blend::kDiv255Shift - 16>(high);
 }
 
 // The weights of a call, from coverages c (0..257) in 32-bit lanes and the

@@ -44,6 +44,18 @@ constexpr std::uint32_t Weight(std::uint32_t coverage, std::uint32_t opacity) {
   return form == Form::kExact ? ExactWeight(coverage, opacity) : FastWeight(coverage, opacity);
 }
 
+// ---- Division by 255 without dividing --------------------------------------
+// For every x in 0..65535, x / 255 == (x * 0x8081) >> 23: the vector kernels
+// divide their 16-bit products this way (a high multiply by 0x8081 and a
+// shift by 7). The tests check the identity for every x.
+
+constexpr std::uint32_t kDiv255Multiplier = 0x8081;
+constexpr int kDiv255Shift = 23;
+
+constexpr std::uint32_t Div255ByMultiply(std::uint32_t x) {
+  return (x * kDiv255Multiplier) >> kDiv255Shift;
+}
+
 // ---- One channel ---------------------------------------------------------
 // d and s are channel values (bytes, or 16-bit words for 12-bit grey), the
 // weight 0..255. The result is the new value before it is stored; for bytes
