@@ -1,0 +1,58 @@
+// Stand-in for the coordinate-pair part of the suite's globals library.
+#include "VornelCoordPair.h"
+
+#include <atomic>
+#include <new>
+
+namespace {
+
+// One point; deletes itself when its last reference is released.
+class CoordPair final : public ICoordPair {
+ public:
+  VornelStatus VORNEL_STDCALL QueryInterface(const IID &, void **object) override {
+    if (object != nullptr) *object = nullptr;
+    return kVornelNoInterface;
+  }
+  unsigned long VORNEL_STDCALL AddRef() override { return ++refs_; }
+  unsigned long VORNEL_STDCALL Release() override {
+    const unsigned long left = --refs_;
+    if (left == 0) delete this;
+    return left;
+  }
+  VornelStatus VORNEL_STDCALL SetXY(double x, double y) override {
+    x_ = x;
+    y_ = y;
+    return kVornelOk;
+  }
+  VornelStatus VORNEL_STDCALL GetXY(double *x, double *y) override {
+    if (x == nullptr || y == nullptr) return kVornelFail;
+    *x = x_;
+    *y = y_;
+    return kVornelOk;
+  }
+
+ private:
+  ~CoordPair() = default;
+
+  std::atomic<unsigned long> refs_{1};
+  double x_ = 0, y_ = 0;
+};
+
+VornelStatus CreateStandInPair(const char * /*sourceName*/, int /*line*/, ICoordPair **pair) {
+  if (pair == nullptr) return kVornelFail;
+  *pair = new (std::nothrow) CoordPair;
+  return *pair != nullptr ? kVornelOk : kVornelOutOfMemory;
+}
+
+std::atomic<VornelCoordPairFactory> g_factory{nullptr};
+
+}  // namespace
+
+VornelStatus DllGetCoordPairSetRes(const char *sourceName, int line, ICoordPair **pair) {
+  const VornelCoordPairFactory factory = g_factory.load();
+  return (factory != nullptr ? factory : CreateStandInPair)(sourceName, line, pair);
+}
+
+VornelCoordPairFactory DllSetCoordPairFactory(VornelCoordPairFactory factory) {
+  return g_factory.exchange(factory);
+}
