@@ -66,6 +66,26 @@
 // ===========================================================================
 // Geometry and numeric helpers
 // ===========================================================================
+// A handler for invalid parameters: function is the exported function
+// called, expression the condition its arguments broke, file and line the
+// place in the library's sources that checked it.
+using OstrelInvalidParameterHandler = void (*)(const char *function, const char *expression,
+                                               const char *file, unsigned int line);
+
+// Installs handler (null: none) for the invalid parameters of the library's
+// functions, and returns the one installed before (null if none).
+//
+// A function that meets an invalid parameter (so far CurveInterpolation)
+// calls the installed handler. The handler may throw: the exception leaves
+// the library's function, which has written nothing. If there is no handler
+// or it returns, the C runtime's invalid-parameter handler runs where the
+// platform has one (on Windows, the one installed with
+// _set_invalid_parameter_handler, if any); then the library reports a
+// CVornelException with code 1 through the suite's text manager
+// (VornelTextMgr.h) and aborts the process.
+OSTREL_API OstrelInvalidParameterHandler SetInvalidParameterHandler(
+    OstrelInvalidParameterHandler handler);
+
 
 // ===========================================================================
 // Fills and copies of colour buffers

@@ -17,7 +17,42 @@ const unsigned int kFeatureSse3 = 13;  // PF_SSE3_INSTRUCTIONS_AVAILABLE
 // feature is absent on other processors.
 bool ProcessorFeaturePresent(unsigned int feature);
 
+// ---- Invalid parameters ----------------------------------------------------
+// A few exported functions meet some argument errors as the C runtime meets
+// an out-of-range checked array access: they call the process's
+// invalid-parameter handler, before writing anything, and do not return
+// normally. InvalidParameter is that call. In order it runs
+//
+//   1. the handler the host installed with SetInvalidParameterHandler
+//      (Ostrel.h), if any; it may throw, and the exception leaves the
+//      exported function;
+//   2. the handler the host installed in the C runtime, where the platform
+//      has one (RunRuntimeInvalidParameterHandler);
+//   3. the default: a CVornelException with code 1, the bare name of file
+//      and line, reported through the suite's text manager (or, without
+//      one, a line naming function and expression on standard error), then
+//      abort().
+//
+// function is the exported function, expression the condition its arguments
+// broke, file and line the place of the check (filled in by
+// OSTREL_INVALID_PARAMETER_UNLESS below).
+[[noreturn]] void InvalidParameter(const char *function, const char *expression, const char *file,
+                                   unsigned int line);
+
+// Runs the invalid-parameter handler that the host installed for the
+// process in the C runtime, and returns when it returns. On Windows this is
+// the handler of _set_invalid_parameter_handler (called without details, as
+// the runtime's release build calls it); if none is installed, nothing
+// happens. Elsewhere there is no such handler and nothing happens.
+void RunRuntimeInvalidParameterHandler();
+
 }  // namespace platform
 }  // namespace ostrel
+
+// Calls the invalid-parameter handler for the exported function `function`
+// when condition does not hold; in the release build as in the checked one.
+#define OSTREL_INVALID_PARAMETER_UNLESS(function, condition)                               \
+  ((condition) ? static_cast<void>(0)                                                       \
+               : ::ostrel::platform::InvalidParameter((function), #condition, __FILE__, __LINE__))
 
 #endif  // OSTREL_FRAME_PLATFORM_H

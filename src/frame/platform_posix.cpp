@@ -19,5 +19,7 @@ bool ProcessorFeaturePresent(unsigned int feature) {
   }
 }
 
+void RunRuntimeInvalidParameterHandler() {}
+
 }  // namespace platform
 }  // namespace ostrel

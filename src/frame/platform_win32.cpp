@@ -6,11 +6,19 @@
 #endif
 #include <windows.h>
 
+#include <stdlib.h>
+
 namespace ostrel {
 namespace platform {
 
 bool ProcessorFeaturePresent(unsigned int feature) {
   return IsProcessorFeaturePresent(static_cast<DWORD>(feature)) != FALSE;
+}
+
+void RunRuntimeInvalidParameterHandler() {
+  if (const _invalid_parameter_handler handler = _get_invalid_parameter_handler()) {
+    handler(nullptr, nullptr, nullptr, 0, 0);
+  }
 }
 
 }  // namespace platform
