@@ -66,6 +66,149 @@
 // ===========================================================================
 // Geometry and numeric helpers
 // ===========================================================================
+// Plane geometry on doubles, nice axis values, piecewise-linear tables and
+// tone curves. The functions keep no state and report nothing, except where
+// a comment says so; bad numbers give infinities or NaN, not errors.
+//
+// Angles are in degrees unless the name says Rad. The system angle of a
+// direction (dx, dy) runs from the positive x axis toward the positive y
+// axis, in [0, 360) degrees or [0, 2 pi) radians. Results are the same to
+// the last bit on every build: each function forms its doubles in the order
+// its comment gives.
+
+// How the user reads angles. Any value other than eAngleModeFromHorizontal
+// counts as eAngleModeFromVertical.
+enum _EAngleMode : int {
+  eAngleModeFromVertical = 0,    // the user's angle is 90 minus the system angle
+  eAngleModeFromHorizontal = 1,  // the user's angle is the system angle
+};
+
+struct ICoordPair;  // VornelCoordPair.h
+
+// The system angle of the direction from (x1, y1) to (x2, y2), in degrees:
+// atan(dy / dx) * 180 / pi plus 180 when dx < 0, or 360 when dy < 0 and
+// dx >= 0. A vertical direction (dx == 0) gives 90 when dy >= 0 (also for
+// two equal points) and 270 when dy < 0.
+OSTREL_API double GetAngle(double x1, double y1, double x2, double y2);
+
+// The same direction in radians, atan(dy / dx) plus pi when x2 < x1, or
+// 2 pi when dy < 0 and x2 >= x1, with one difference: a horizontal
+// direction (dy == 0) gives pi/2, to the right as to the left (and for two
+// equal points). A vertical one gives pi/2 for dy > 0 and 3 pi/2 for dy < 0.
+OSTREL_API double GetAngleRad(double x1, double y1, double x2, double y2);
+
+// The point at distance from the origin in the direction angleDegrees:
+// with a = angleDegrees * pi / 180, *x = cos(a) * distance and
+// *y = sin(a) * distance.
+OSTREL_API void GetPosition(double distance, double angleDegrees, double *x, double *y);
+
+// The same point, written into pair with its SetXY. A negative status from
+// SetXY is raised with MakeException (VornelException.h) and leaves the
+// function as a CVornelException.
+OSTREL_API void GetPosition(double distance, double angleDegrees, ICoordPair *pair);
+
+// The distance between the points: sqrt(dx * dx + dy * dy).
+OSTREL_API double GetLength(double x1, double y1, double x2, double y2);
+
+// The distance from (px, py) to the line through (x1, y1) and (x2, y2);
+// *angle receives the direction, in radians in [0, 2 pi), from the foot of
+// the perpendicular to (px, py).
+//
+// A line with |y2 - y1| < 0.001 counts as horizontal: the distance is
+// |py - y1| and the angle pi/2 on both sides of it. Otherwise a line with
+// |x2 - x1| < 0.001 counts as vertical: |px - x1|, angle 0 on both sides.
+// Otherwise, with m = dy / dx and n = tan(atan(m) - pi/2), the foot is
+// fx = (x1 * m + (py - y1) - px * n) / (m - n), fy = n * (fx - px) + py, the
+// angle atan2(py - fy, px - fx) (plus 2 pi if negative) and the distance
+// the length of (px - fx, py - fy).
+OSTREL_API double GetIntersectionDistanceDb(double px, double py, double x1, double y1, double x2,
+                                            double y2, double *angle);
+
+// Converts the angle a user sees into a system angle. With
+// eAngleModeFromHorizontal the angle is returned as it is. Otherwise the
+// result is 90 - angle brought into [0, 360), formed as a = angle brought
+// into [0, 360), t = (360 - a) - 270, then t brought into [0, 360) (x is
+// brought into [0, 360) as x - 360 * floor(x / 360)).
+OSTREL_API double GetSystemAngleFromUserAngle(double angle, _EAngleMode mode);
+
+// The inverse conversion, which is the same map: as
+// GetSystemAngleFromUserAngle but with t = (360 - a) + 90.
+OSTREL_API double GetUserAngleFromSystemAngle(double angle, _EAngleMode mode);
+
+// Slanted (flexographic) layouts: the size that a slant of angleDegrees
+// gives a length shortened by ratio, (1 - ratio) * length /
+// tan(angleDegrees / 180 * pi). An angle of 0 gives an infinite size.
+OSTREL_API double GetFlexoSizeFromAngle(double length, double ratio, double angleDegrees);
+
+// The inverse for angles in (0, 180): atan2((1 - ratio) * length, size) *
+// 180 / pi.
+OSTREL_API double GetFlexoAngleFromSize(double length, double ratio, double size);
+
+// The round value one step above v, where the step is the power of ten of
+// v's decade: 0.0001 below 0.001 (zero and negative values included), 0.001
+// below 0.01, ..., 1 below 10, 10 below 100, ..., 100000 below 1000000, and
+// 1000000 from there up; a value on a decade's boundary belongs to the
+// upper decade. For positive v the result is (trunc(v / step) + 1) * step,
+// strictly above v (20 gives 30, 0.5 gives 0.6, 7.2 gives 8).
+//
+// It is computed as (1 - t) / f with t = trunc(v * -f), where f is the
+// reciprocal of the step: 10000, ..., 10 for steps below 1, and
+// 0.1, ..., 0.000001 for steps of 10 and more (steps of 1 use trunc(v) + 1).
+// t is a 32-bit integer (0x80000000 when v * -f is beyond its range) and
+// 1 - t wraps in 32 bits. Dividing by the fraction shows in the last bits:
+// 123456 gives 199999.99999999997.
+OSTREL_API double GetNiceGreaterValue(double v);
+
+// The round value one step below the multiple of the step that v truncates
+// to: for positive v, (trunc(v / step) - 1) * step, computed as
+// (-1 - trunc(v * -f)) / f (steps of 1: trunc(v) - 1). It is not the mirror
+// of GetNiceGreaterValue: 20 and 25 both give 10, 2.5 gives 1, 1000 gives 0.
+OSTREL_API double GetNiceSmallerValue(double v);
+
+// Reads the value at x off the piecewise-linear table of count points
+// (xs[i], ys[i]). The table's abscissae may run up, down or both.
+//
+// The first segment i with x between xs[i] and xs[i + 1] (either way round)
+// is used: ys[i] when |xs[i + 1] - xs[i]| is below the single-precision
+// epsilon (1.1920928955078125e-7), else x * s + (ys[i] - xs[i] * s) with
+// s = (ys[i + 1] - ys[i]) / (xs[i + 1] - xs[i]). An x that no segment holds
+// gets the ys of the point nearest to it (the first of equally near ones):
+// the table is not extrapolated.
+//
+// count must be at least 2. With fewer, the first segment is used as it is
+// (xs[1] and ys[1] are read); the checked build reports the call.
+OSTREL_API double GetLinearInterpoliertenWert(const double *xs, const double *ys,
+                                              unsigned int count, double x);
+
+// Tabulates a tone curve through control points, one entry per input level.
+//
+// points holds pointValueCount unsigned shorts, the control points as
+// pairs x0, y0, x1, y1, ... (k = pointValueCount / 2 points; an odd last
+// value is ignored). Their x values must not decrease.
+//
+// The curve is a cubic Hermite spline through the points. Its tangents start
+// as the chord slope at the two end points and the mean of the two
+// neighbouring chord slopes inside; then, segment by segment from the first
+// (so a segment sees a tangent the one before changed), a flat chord makes
+// both its tangents 0, and tangents whose ratios a, b to their chord's slope
+// have a^2 + b^2 > 9 are scaled by 3 / sqrt(a^2 + b^2). Monotone control
+// points give a monotone table. Tangents of the wrong sign are not zeroed,
+// so other points may overshoot, which the clamping catches.
+//
+// table receives pairs of unsigned shorts (level, value), from its start:
+// levels x0 .. x[k-1] - 1 get the spline's value rounded half away from
+// zero and clamped to 0 .. maxValue; levels x[k-1] .. tableLength - 1 get
+// y[k-1] as it is, not clamped. Levels below x0 get no entry, so the table
+// receives max(tableLength, x[k-1]) - x0 pairs.
+//
+// Fewer than two control points, or x values that decrease, are invalid
+// parameters: the call goes to the invalid-parameter handler (see
+// SetInvalidParameterHandler) before anything is written, and does not
+// return normally. Two equal neighbouring x values are not refused; they
+// make tangents and values NaN or infinite.
+OSTREL_API void CurveInterpolation(int pointValueCount, unsigned short *points, int tableLength,
+                                   int maxValue, unsigned short *table);
+
 // A handler for invalid parameters: function is the exported function
 // called, expression the condition its arguments broke, file and line the
 // place in the library's sources that checked it.
@@ -85,7 +228,6 @@ using OstrelInvalidParameterHandler = void (*)(const char *function, const char 
 // (VornelTextMgr.h) and aborts the process.
 OSTREL_API OstrelInvalidParameterHandler SetInvalidParameterHandler(
     OstrelInvalidParameterHandler handler);
-
 
 // ===========================================================================
 // Fills and copies of colour buffers
