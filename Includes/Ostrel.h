@@ -63,6 +63,258 @@
 // Repeat geometry
 // ===========================================================================
 
+// A design is one tile (the repeat, "Rapport" or "Rapp" in the names) laid
+// out over and over. x grows to the right and y downward; (0, 0) is the
+// tile's top-left corner and a position is inside the tile when
+// 0 <= x < repeatWidth and 0 <= y < repeatHeight. Positions outside it, of
+// any sign, address the endless repeated design.
+//
+// All integer arithmetic is 32-bit and wraps; nothing is reported. A zero
+// repeat size (or a zero view repeat size, see VPToFP) is the caller's fault:
+// the integer division by it faults when a step that divides by it is
+// reached (a checked build reports it instead). "a mod P" below is the
+// floor-modulo, always in 0 .. P-1 for P > 0 (-1 mod 10 = 9); "trunc"
+// converts a double toward zero to a 32-bit integer (a value out of range
+// gives 0x80000000).
+
+// How the copies of the tile are laid out (a 32-bit value passed by value).
+// A straight repeat is eDropVertical or eDropHorizontal with a drop of 0.
+enum _EDropKind : int {
+  // No repeat layout: the folding functions return positions unchanged, the
+  // coordinate conversions give zeros or write nothing, the repeat-buffer
+  // functions yield no pieces. Every value other than 1 and 2 acts so.
+  eDropNone = 0,
+  // The copy in repeat column c (c = 0 is the tile) is shifted down by
+  // c * drop: one repeat width to the right is one drop further down.
+  eDropVertical = 1,
+  // The copy in repeat row r is shifted right by r * drop.
+  eDropHorizontal = 2
+};
+
+// ---- Integer and repeat arithmetic -----------------------------------------
+
+// Greatest common divisor by Euclid's loop on the truncating remainder
+// (r = a % b; a = b; b = r; until r is 0). The sign is what the remainders
+// leave: ggT(-4, 6) = 2, ggT(4, -6) = -2. b = 0 faults.
+OSTREL_API int ggT(int a, int b);
+
+// Least common multiple: (a * b) / ggT(a, b), the product wrapping in 32
+// bits first (kgV(65536, 65536) = 0). b = 0 faults.
+OSTREL_API int kgV(int a, int b);
+
+// n! in 32-bit unsigned arithmetic: 1 for n < 2; wraps from n = 13 on.
+OSTREL_API unsigned int Fakultaet(unsigned int n);
+
+// The binomial coefficient n over k, computed as ((m + 1) * ... * n) / (n - m)!
+// with m = max(k, n - k), both products in 32-bit unsigned arithmetic (they
+// wrap, so only small n are exact). n <= k gives 1, also for n < k. A
+// divisor factorial that has wrapped to 0 faults.
+OSTREL_API unsigned int NUeberK(unsigned int n, unsigned int k);
+
+// The index of the repeat that holds position: floor(position / R), with
+// R = trunc(repeatSize). A position >= 0 is truncated first (9.99 in a
+// repeat of 10 is in repeat 0). A negative position within epsilon beyond a
+// seam still counts to the repeat above it (epsilon 0.001: -10.0005 is in
+// repeat -1, -10.5 in repeat -2); with epsilon 0 a negative multiple of the
+// size counts one repeat low (-10 is in repeat -2). An epsilon of 1 or more
+// truncates the position toward zero first (-10.5 is then in repeat -1).
+// R = 0 faults.
+OSTREL_API int GetRapport(double position, double repeatSize, double epsilon);
+
+// Writes the repeat index of GetRapport to *repeatIndex and returns the
+// position inside that repeat: trunc(position - index * repeatSize), using
+// the exact repeatSize, or 0 when that difference equals repeatSize.
+OSTREL_API int SetInRappAndCalcRapp(double position, double repeatSize, double epsilon,
+                                    int *repeatIndex);
+
+// The number n (2 .. 20) of repeats of length repeatLength, each shifted by
+// drop against its neighbour, after which the layout is back at its start,
+// allowing one pixel of rounding per repeat: the first n with
+// |n * drop - repeatLength| <= n, or, for a drop above half the length,
+// with |(n - 1) * repeatLength - n * drop| <= n. 1 for drop 0; -1 when no
+// n up to 20 fits.
+OSTREL_API int CalcNrOfHDropRepeats(unsigned int repeatLength, unsigned int drop);
+
+// Splits a run of length pixels, starting at position1 in a layout of
+// period1 and at position2 in a layout of period2 (length <= both periods),
+// into consecutive pieces inside which neither layout crosses a seam.
+// Writes 1 to 3 lengths to parts (room for 3) and their count to
+// *partCount. When both seams fall on the same pixel the middle piece has
+// length 0 and is kept. A period of 0 takes part as 0.
+OSTREL_API void CalcParts(int period1, int position1, int period2, int position2, int length,
+                          int *partCount, int *parts);
+
+// Splits a run of length pixels starting at position at every seam of a
+// layout of period: the piece up to the first seam, then whole periods, then
+// the rest. parts needs room for 2 + length / period entries. A rest that is
+// a multiple of the period, above the period, ends in a piece of length 0
+// (period 10, position 5, length 25: 5, 10, 10, 0); one equal to the period
+// does not (5, 10). period = 0: *partCount = 0 and parts[0] = length.
+OSTREL_API void CalcParts2(int period, int position, int length, int *partCount, int *parts);
+
+// ---- Folding positions into the repeat -------------------------------------
+// Each writes the tile position that shows the same pixel of the endless
+// design as (x, y). Any dropKind other than 1 and 2 writes (x, y) unchanged.
+// The steps follow the library's historical arithmetic, quirks included;
+// see the notes on eDropHorizontal.
+
+// Integer positions and drop. eDropVertical folds into the tile for every
+// position: SetInRapp(-1, 0, 100, 80, 40, eDropVertical) gives (99, 40).
+// eDropHorizontal is not the mirror image: for 0 < x < repeatWidth and
+// y >= 0 it folds y into the tile and shifts x left by one drop per repeat
+// row (wrapping into the tile); with x = 0 nothing folds, and other
+// positions come out as the fixed steps leave them (150, 10 in a 100 x 80
+// tile with drop 25 gives 150, -90).
+OSTREL_API void SetInRapp(int x, int y, unsigned int repeatWidth, unsigned int repeatHeight,
+                          unsigned int drop, _EDropKind dropKind, int *xInRepeat,
+                          int *yInRepeat);
+
+// SetInRapp with a fractional drop: one repeat step moves by
+// dropRatio * repeatHeightExact (eDropVertical) or dropRatio *
+// repeatWidthExact (eDropHorizontal), and n repeats move by
+// trunc(n * step), so rounding happens once per fold, not once per repeat.
+OSTREL_API void SetInRappDb(int x, int y, unsigned int repeatWidth, unsigned int repeatHeight,
+                            double dropRatio, double repeatWidthExact, double repeatHeightExact,
+                            _EDropKind dropKind, int *xInRepeat, int *yInRepeat);
+
+// SetInRapp on doubles (millimetre values): repeat counts are truncated
+// quotients, positions keep their fractions. eDropHorizontal counts the
+// repeats of a non-negative y as 1 - trunc(y / repeatHeight) where
+// SetInRapp uses an unsigned negation. A zero size gives infinities or NaNs.
+OSTREL_API void SetInRappMM(double x, double y, double repeatWidth, double repeatHeight,
+                            double drop, _EDropKind dropKind, double *xInRepeat,
+                            double *yInRepeat);
+
+// ---- View, file and screen coordinates -------------------------------------
+// FP: file pixels. VP: pixels of the zoomed view of the endless design, same
+// origin; a file pixel is zoomX x zoomY view pixels and a repeat is
+// trunc(repeatWidth * zoomX) x trunc(repeatHeight * zoomY) (the view repeat,
+// which must not be 0 where a function divides by it). SP: view pixels less
+// the scroll offset, optionally turned bottom-up and snapped. MM:
+// millimetres; times the resolution (file pixels per millimetre) they give
+// file pixels. Only eDropVertical and eDropHorizontal convert.
+
+// View position to file position. With foldIntoRepeat false the result
+// addresses the endless design (no drop is applied); with it true it is
+// folded into the tile, the drop of the view's repeat column (eDropVertical)
+// or row (eDropHorizontal) taken off. Other kinds give (0, 0).
+OSTREL_API void VPToFP(int vx, int vy, int *fx, int *fy, unsigned int repeatWidth,
+                       unsigned int repeatHeight, unsigned int drop, _EDropKind dropKind,
+                       double zoomX, double zoomY, bool foldIntoRepeat);
+
+// VPToFP with the drop of n repeats taken as round(n * dropRatio *
+// repeatHeightExact) (eDropVertical) or round(n * dropRatio *
+// repeatWidthExact) (eDropHorizontal), rounded half away from zero (unlike
+// SetInRappDb, which truncates).
+OSTREL_API void VPToFPDb(int vx, int vy, int *fx, int *fy, unsigned int repeatWidth,
+                         unsigned int repeatHeight, double dropRatio, double repeatWidthExact,
+                         double repeatHeightExact, _EDropKind dropKind, double zoomX,
+                         double zoomY, bool foldIntoRepeat);
+
+// File position to view position, the inverse of VPToFP: at zoom 1 with
+// foldIntoRepeat false the two give back the starting position. With
+// foldIntoRepeat true the result is folded into the view repeat, the drop
+// taken off. Other kinds give (0, 0).
+OSTREL_API void FPToVP(int fx, int fy, int *vx, int *vy, unsigned int repeatWidth,
+                       unsigned int repeatHeight, unsigned int drop, _EDropKind dropKind,
+                       double zoomX, double zoomY, bool foldIntoRepeat);
+
+// File position to screen position: the view position (never folded; drop is
+// not used) less (scrollX, scrollY). bottomUp turns y: windowHeight - y - 1.
+// snap (non-zero), where the zoom is above 1, moves the point into its
+// zoomed file pixel: x by +trunc(zoomX / 2 + 0.5), y by
+// -trunc(zoomY / 2 - 0.5) in either orientation (+2 and -1 at zoom 4).
+// Other kinds write nothing.
+OSTREL_API void FPToSnappedSP(int fx, int fy, int *sx, int *sy, int scrollX, int scrollY,
+                              unsigned int windowHeight, unsigned int repeatWidth,
+                              unsigned int repeatHeight, unsigned int drop, _EDropKind dropKind,
+                              double zoomX, double zoomY, unsigned char snap, bool bottomUp);
+
+// The one-point FPToSnappedSP for each of count points (fxs[i], fys[i]),
+// written to (*sxs)[i] and (*sys)[i]: the caller's arrays, which hold at
+// least count elements. Nothing is allocated.
+OSTREL_API void FPToSnappedSP(int *fxs, int *fys, int count, int **sxs, int **sys, int scrollX,
+                              int scrollY, unsigned int windowHeight, unsigned int repeatWidth,
+                              unsigned int repeatHeight, unsigned int drop, _EDropKind dropKind,
+                              double zoomX, double zoomY, unsigned char snap, bool bottomUp);
+
+// Millimetre position to screen position: (mmX * resolutionX + 1) - 1 and
+// (mmY * resolutionY + 1) - 1 file pixels (the + 1 - 1 rounds values near 0
+// to multiples of 2^-52, so magnitudes below about 1.1e-16 become 0), then
+// as FPToSnappedSP. The repeat index is counted by repeated steps of
+// the repeat size (a call takes as long as the position is repeats away
+// from 0); the fraction inside the repeat is p - floor(p / size) * size.
+// Other kinds write nothing.
+OSTREL_API void MMToSnappedSP(double mmX, double mmY, int *sx, int *sy, int scrollX, int scrollY,
+                              unsigned int windowHeight, unsigned int repeatWidth,
+                              unsigned int repeatHeight, unsigned int drop, _EDropKind dropKind,
+                              double resolutionX, double resolutionY, double zoomX, double zoomY,
+                              unsigned char snap, bool bottomUp);
+
+// The one-point MMToSnappedSP for each of count points, written to
+// (*sxs)[i] and (*sys)[i] as the array FPToSnappedSP does.
+OSTREL_API void MMToSnappedSP(double *mmXs, double *mmYs, int count, int **sxs, int **sys,
+                              int scrollX, int scrollY, unsigned int windowHeight,
+                              unsigned int repeatWidth, unsigned int repeatHeight,
+                              unsigned int drop, _EDropKind dropKind, double resolutionX,
+                              double resolutionY, double zoomX, double zoomY, unsigned char snap,
+                              bool bottomUp);
+
+// ---- Repeat buffer pieces and view sizes -----------------------------------
+// The repeat buffer holds one tile, repeatWidth x repeatHeight pixels. A
+// rectangle (x, y, width, height) of the endless design (eDropVertical with
+// drop; a straight repeat is drop 0) falls into up to five rectangles of the
+// buffer. Pieces are written to the caller's arrays, room for 5 each: piece
+// i is (pieceX[i], pieceY[i], pieceWidth[i], pieceHeight[i]). The pieces
+// match the rectangle for drops 0 .. repeatHeight-1 (pass the drop modulo
+// repeatHeight). eDropHorizontal
+// is not supported: the call returns writing nothing, not even *pieceCount.
+// Other kinds set *pieceCount to 0.
+
+// The pieces of the buffer that show the rectangle. A rectangle inside the
+// tile (after folding its corner) is one piece. Otherwise, when
+// wholeTileIfLarger is true and the rectangle is at least as wide or as
+// high as the tile, the one piece is the whole tile. Otherwise the pieces
+// from the next (dropped) repeat column come first, then the part below
+// the tile's bottom seam, and the main piece last. Example, 100 x 100 tile,
+// drop 50: (90, 10, 20, 20) gives (0, 60, 10, 20), then (90, 10, 10, 20).
+OSTREL_API void CalcPosAndSizeInRepBuffer(int x, int y, unsigned int width, unsigned int height,
+                                          unsigned int repeatWidth, unsigned int repeatHeight,
+                                          _EDropKind dropKind, int drop, int *pieceCount,
+                                          int *pieceX, int *pieceWidth, int *pieceY,
+                                          int *pieceHeight, bool wholeTileIfLarger);
+
+// The pieces of the buffer that the rectangle does not cover (up to 5). A
+// rectangle at least as large as the tile in either direction, that does
+// not fit into it, leaves none: *pieceCount = 0, though piece 0 is written
+// as the whole tile.
+OSTREL_API void CalcPosAndSizeInRepBufferInv(int x, int y, unsigned int width,
+                                             unsigned int height, unsigned int repeatWidth,
+                                             unsigned int repeatHeight, _EDropKind dropKind,
+                                             int drop, int *pieceCount, int *pieceX,
+                                             int *pieceWidth, int *pieceY, int *pieceHeight);
+
+// The largest box inside viewWidth x viewHeight with the physical
+// proportions of the file (fileWidth / resolutionX by fileHeight /
+// resolutionY): one side equals the view's, the other is truncated
+// (1000 x 500 file pixels at equal resolutions in an 800 x 800 view:
+// 800 x 400). Zero sizes or resolutions give meaningless values.
+OSTREL_API void AdaptFileSizeToViewSizeForViewSize(unsigned int fileWidth, unsigned int fileHeight,
+                                                   unsigned int viewWidth,
+                                                   unsigned int viewHeight, double resolutionX,
+                                                   double resolutionY, unsigned int *outWidth,
+                                                   unsigned int *outHeight);
+
+// Grows one dimension of the file so that its physical proportions become
+// the view's: the file's height is kept and its width grown when the view
+// is relatively wider (ties included), otherwise its width is kept and its
+// height grown. The grown side is truncated.
+OSTREL_API void AdaptFileSizeToFileSizeForViewSize(unsigned int fileWidth, unsigned int fileHeight,
+                                                   unsigned int viewWidth,
+                                                   unsigned int viewHeight, double resolutionX,
+                                                   double resolutionY, unsigned int *outWidth,
+                                                   unsigned int *outHeight);
+
 // ===========================================================================
 // Geometry and numeric helpers
 // ===========================================================================

@@ -1,0 +1,173 @@
+// Integer and repeat arithmetic (Part 2.1).
+#include <cstdint>
+
+#include "Ostrel.h"
+#include "frame/checked.h"
+#include "frame/numeric.h"
+#include "repeat/repeat_math.h"
+
+namespace ostrel {
+namespace repeat {
+namespace {
+
+// Euclid's loop on the truncating remainder: r = a % b; a = b; b = r; until
+// r is 0. The first step divides by b.
+std::int32_t Euclid(std::int32_t a, std::int32_t b) {
+  for (;;) {
+    const std::int32_t r = Rem(a, b);
+    a = b;
+    b = r;
+    if (r == 0) return a;
+  }
+}
+
+// The running product first * (first + 1) * ... * last in 32-bit unsigned
+// arithmetic, 1 when first > last. Once it has wrapped to 0 it stays 0, so
+// the loop stops there (any 34 consecutive factors bring it to 0, which
+// bounds the loop for every range).
+std::uint32_t RunningProduct(std::uint64_t first, std::uint64_t last) {
+  std::uint32_t product = 1;
+  for (std::uint64_t i = first; i <= last && product != 0; ++i) {
+    product *= static_cast<std::uint32_t>(i);
+  }
+  return product;
+}
+
+// The repeat index of GetRapport and SetInRappAndCalcRapp.
+std::int32_t RepeatIndex(const char *function, double position, double repeatSize, double epsilon) {
+  const std::int32_t wholeRepeatSize = TruncToInt32(repeatSize);
+  OSTREL_EXPECT(function, wholeRepeatSize != 0);
+  if (position >= 0) return Quot(TruncToInt32(position), wholeRepeatSize);
+  // Negative (and NaN) positions.
+  const std::int32_t k =
+      epsilon < 1 ? TruncToInt32(-position - epsilon) : Sub(-1, TruncToInt32(position));
+  return Sub(-1, Quot(k, wholeRepeatSize));
+}
+
+// |difference| <= n, the difference taken as a signed 32-bit value and its
+// absolute value compared as unsigned.
+bool WithinTolerance(std::uint32_t difference, std::uint32_t n) {
+  const std::uint32_t magnitude = Signed(difference) < 0 ? 0u - difference : difference;
+  return magnitude <= n;
+}
+
+}  // namespace
+}  // namespace repeat
+}  // namespace ostrel
+
+using namespace ostrel::repeat;
+
+int ggT(int a, int b) {
+  OSTREL_EXPECT("ggT", b != 0);
+  return Euclid(a, b);
+}
+
+int kgV(int a, int b) {
+  OSTREL_EXPECT("kgV", b != 0);
+  const std::int32_t divisor = Euclid(a, b);
+  return Quot(Mul(a, b), divisor);
+}
+
+unsigned int Fakultaet(unsigned int n) { return RunningProduct(2, n); }
+
+unsigned int NUeberK(unsigned int n, unsigned int k) {
+  if (n <= k) return 1;
+  const std::uint32_t d = n - k;
+  std::uint32_t product, divisor;
+  if (d > k) {
+    product = RunningProduct(std::uint64_t{d} + 1, n);
+    divisor = RunningProduct(2, k);  // k!, as Fakultaet
+  } else {
+    product = RunningProduct(std::uint64_t{k} + 1, n);
+    divisor = RunningProduct(2, d);  // d!
+  }
+  OSTREL_EXPECT("NUeberK", divisor != 0);
+  return product / divisor;
+}
+
+int GetRapport(double position, double repeatSize, double epsilon) {
+  return RepeatIndex("GetRapport", position, repeatSize, epsilon);
+}
+
+int SetInRappAndCalcRapp(double position, double repeatSize, double epsilon, int *repeatIndex) {
+  const std::int32_t q = RepeatIndex("SetInRappAndCalcRapp", position, repeatSize, epsilon);
+  *repeatIndex = q;
+  const double r = position - q * repeatSize;
+  if (r == repeatSize) return 0;
+  return ostrel::TruncToInt32(r);
+}
+
+int CalcNrOfHDropRepeats(unsigned int repeatLength, unsigned int drop) {
+  if (drop == 0) return 1;
+  if (drop <= repeatLength / 2) {
+    for (std::uint32_t n = 2; n <= 20; ++n) {
+      if (WithinTolerance(n * drop - repeatLength, n)) return static_cast<int>(n);
+    }
+  } else {
+    // The same test on the complementary drop repeatLength - drop.
+    for (std::uint32_t n = 2; n <= 20; ++n) {
+      if (WithinTolerance((n - 1) * repeatLength - n * drop, n)) return static_cast<int>(n);
+    }
+  }
+  return -1;
+}
+
+void CalcParts(int period1, int position1, int period2, int position2, int length, int *partCount,
+               int *parts) {
+  const std::int32_t m1 = period1 == 0 ? 0 : FloorMod(position1, period1);
+  const std::int32_t m2 = period2 == 0 ? 0 : FloorMod(position2, period2);
+  const std::int32_t toSeam1 = Sub(period1, m1);  // pixels up to the first layout's seam
+  const std::int32_t toSeam2 = Sub(period2, m2);
+  if (Add(m1, length) <= period1) {
+    *partCount = 1;
+    parts[0] = length;
+    if (Add(m2, length) > period2) {
+      *partCount = 2;
+      parts[0] = toSeam2;
+      parts[1] = Sub(Add(m2, length), period2);
+    }
+    return;
+  }
+  *partCount = 2;
+  parts[0] = toSeam1;
+  parts[1] = Sub(length, toSeam1);
+  if (Add(toSeam1, m2) > period2) {
+    // The second layout's seam comes first.
+    *partCount = 3;
+    parts[0] = toSeam2;
+    parts[1] = Sub(toSeam1, toSeam2);
+    parts[2] = Sub(length, toSeam1);
+  } else if (Add(m2, length) > period2) {
+    // Also when both seams fall on the same pixel: the middle piece is 0.
+    *partCount = 3;
+    parts[0] = toSeam1;
+    parts[1] = Sub(toSeam2, toSeam1);
+    parts[2] = Sub(length, toSeam2);
+  }
+}
+
+void CalcParts2(int period, int position, int length, int *partCount, int *parts) {
+  if (period == 0) {
+    *partCount = 0;
+    parts[0] = length;  // written although the count says none
+    return;
+  }
+  OSTREL_EXPECT("CalcParts2", period > 0);
+  const std::int32_t m = FloorMod(position, period);
+  if (Add(m, length) <= period) {
+    *partCount = 1;
+    parts[0] = length;
+    return;
+  }
+  *partCount = 2;
+  parts[0] = Sub(period, m);
+  const std::int32_t rest = Sub(length, parts[0]);
+  parts[1] = rest;
+  if (rest > period) {
+    const std::int32_t q = Quot(rest, period);
+    const std::int32_t r = Rem(rest, period);
+    for (std::int64_t i = 1; i <= q; ++i) parts[i] = period;
+    parts[std::int64_t{q} + 1] = r;  // 0 when the rest is a multiple of the period
+    *partCount = Add(2, q);
+  }
+}
