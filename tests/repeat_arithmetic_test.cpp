@@ -1,4 +1,4 @@
-// Integer and repeat arithmetic (Part 2.1): the spec's examples, wrapping
+// Integer and repeat arithmetic: the documented examples, wrapping
 // results pinned, and properties checked against references written here.
 #include <gtest/gtest.h>
 
@@ -80,7 +80,7 @@ TEST(RepeatArithmetic, FakultaetWrapsIn32Bits) {
   EXPECT_EQ(Fakultaet(UINT_MAX), 0u);
 }
 
-// The spec's definition of NUeberK, on a reference product written here.
+// The documented definition of NUeberK, on a reference product written here.
 unsigned RefNUeberK(unsigned n, unsigned k) {
   if (n <= k) return 1;
   const unsigned d = n - k;

@@ -1,4 +1,4 @@
-// View, file and screen coordinates (Part 2.3): the spec's examples, round
+// View, file and screen coordinates: the documented examples, round
 // trips, folds against SetInRapp and a horizontal fold written here, the
 // snap and bottom-up turn pinned, and the array forms against the one-point
 // forms.

@@ -1,7 +1,9 @@
-// Drop kinds and placing into the repeat (Part 2.2): the spec's examples,
+// Drop kinds and placing into the repeat: the documented examples,
 // the quirks of the horizontal drop and the 32-bit wrapping pinned, and the
 // vertical drop checked against a mathematical fold written here.
 #include <gtest/gtest.h>
+
+#include <csignal>
 
 #include <climits>
 #include <cstdint>
@@ -199,3 +201,12 @@ TEST(RepeatFolding, MillimetresHorizontal) {
 }
 
 }  // namespace
+
+// A zero repeat size is the caller's error: the release build stops with the
+// processor's divide fault, as a hardware division by zero would.
+TEST(RepeatFoldingDeathTest, ZeroRepeatSizeRaisesTheDivideFault) {
+  int x = 0, y = 0;
+  EXPECT_EXIT(SetInRapp(-5, 3, 0, 80, 0, eDropVertical, &x, &y),
+              ::testing::KilledBySignal(SIGFPE), "");
+  EXPECT_EXIT(kgV(0, 0), ::testing::KilledBySignal(SIGFPE), "");
+}

@@ -1,4 +1,4 @@
-// Repeat buffer positions and view-size adaptation (Part 2.4): the spec's
+// Repeat buffer positions and view-size adaptation: the documented
 // examples and piece orders pinned, and both piece lists checked pixel by
 // pixel against the rectangle folded with SetInRapp.
 #include <gtest/gtest.h>

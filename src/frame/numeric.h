@@ -14,6 +14,14 @@ inline std::int32_t TruncToInt32(double x) {
   return static_cast<std::int32_t>(x);
 }
 
+// Truncates x toward zero to a signed 64-bit integer; out of range (or NaN)
+// gives INT64_MIN, the processor's 64-bit "integer indefinite" result (whose
+// low 32 bits are 0).
+inline std::int64_t TruncToInt64(double x) {
+  if (!(x >= -9223372036854775808.0 && x < 9223372036854775808.0)) return INT64_MIN;
+  return static_cast<std::int64_t>(x);
+}
+
 }  // namespace ostrel
 
 #endif  // OSTREL_FRAME_NUMERIC_H

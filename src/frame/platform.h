@@ -46,6 +46,12 @@ bool ProcessorFeaturePresent(unsigned int feature);
 // happens. Elsewhere there is no such handler and nothing happens.
 void RunRuntimeInvalidParameterHandler();
 
+// Stops the process the way an integer division by zero does on the
+// processor: SIGFPE on POSIX systems, the integer-divide-by-zero exception
+// on Windows. For the divisions whose zero divisor is the caller's error, so
+// the release build keeps that behaviour without dividing by zero.
+[[noreturn]] void RaiseIntegerDivideFault();
+
 }  // namespace platform
 }  // namespace ostrel
 

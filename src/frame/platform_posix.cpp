@@ -2,6 +2,9 @@
 #include "frame/cpu_features.h"
 #include "frame/platform.h"
 
+#include <csignal>
+#include <cstdlib>
+
 namespace ostrel {
 namespace platform {
 
@@ -20,6 +23,11 @@ bool ProcessorFeaturePresent(unsigned int feature) {
 }
 
 void RunRuntimeInvalidParameterHandler() {}
+
+void RaiseIntegerDivideFault() {
+  std::raise(SIGFPE);
+  std::abort();  // SIGFPE was ignored or its handler returned
+}
 
 }  // namespace platform
 }  // namespace ostrel

@@ -6,6 +6,8 @@
 #endif
 #include <windows.h>
 
+#include <cstdlib>
+
 #include <stdlib.h>
 
 namespace ostrel {
@@ -19,6 +21,11 @@ void RunRuntimeInvalidParameterHandler() {
   if (const _invalid_parameter_handler handler = _get_invalid_parameter_handler()) {
     handler(nullptr, nullptr, nullptr, 0, 0);
   }
+}
+
+void RaiseIntegerDivideFault() {
+  RaiseException(EXCEPTION_INT_DIVIDE_BY_ZERO, EXCEPTION_NONCONTINUABLE, 0, nullptr);
+  std::abort();
 }
 
 }  // namespace platform

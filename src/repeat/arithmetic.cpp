@@ -1,4 +1,4 @@
-// Integer and repeat arithmetic (Part 2.1).
+// Integer and repeat arithmetic.
 #include <cstdint>
 
 #include "Ostrel.h"
@@ -82,7 +82,7 @@ unsigned int NUeberK(unsigned int n, unsigned int k) {
     divisor = RunningProduct(2, d);  // d!
   }
   OSTREL_EXPECT("NUeberK", divisor != 0);
-  return product / divisor;
+  return product / Divisor(divisor);
 }
 
 int GetRapport(double position, double repeatSize, double epsilon) {

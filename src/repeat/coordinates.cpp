@@ -1,9 +1,9 @@
-// View, file and screen coordinates (Part 2.3).
+// View, file and screen coordinates.
 //
 // Integer products and sums are 32-bit and wrap; a product of two integers
 // that meets a double (repeatX * viewRepeatWidth) is formed in 32 bits first
-// and then converted. Sums of doubles are evaluated left to right as the spec
-// writes them.
+// and then converted. Sums of doubles are evaluated left to right, in the documented
+// order.
 #include <cmath>
 #include <cstdint>
 

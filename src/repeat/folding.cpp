@@ -1,6 +1,6 @@
-// Drop kinds and placing into the repeat (Part 2.2).
+// Drop kinds and placing into the repeat.
 //
-// The steps are the spec's, in its order, quirks included (the horizontal
+// The steps run in their documented order, quirks included (the horizontal
 // drop is not the mirror image of the vertical one). In the integer variants
 // positions are 32-bit bit patterns: every division is unsigned, every sum
 // and product wraps, and only the "< 0" and "> 0" tests read them as signed.
@@ -39,23 +39,23 @@ void FoldVertical(const char *function, std::uint32_t x, std::uint32_t y, std::u
   if (Negative(x)) {
     OSTREL_EXPECT(function, repeatWidth != 0);
     // One column too many for a multiple of the width; step 2 takes it back.
-    const std::uint32_t k = (0u - x) / repeatWidth + 1;
+    const std::uint32_t k = (0u - x) / Divisor(repeatWidth) + 1;
     x += k * repeatWidth;
     y += shift(k);
   }
   if (Positive(x)) {
     OSTREL_EXPECT(function, repeatWidth != 0);
-    const std::uint32_t q = x / repeatWidth;
+    const std::uint32_t q = x / Divisor(repeatWidth);
     x -= q * repeatWidth;
     y -= shift(q);
   }
   if (Negative(y)) {
     OSTREL_EXPECT(function, repeatHeight != 0);
-    y += ((0u - y) / repeatHeight + 1) * repeatHeight;
+    y += ((0u - y) / Divisor(repeatHeight) + 1) * repeatHeight;
   }
   if (Positive(y)) {
     OSTREL_EXPECT(function, repeatHeight != 0);
-    y -= (y / repeatHeight) * repeatHeight;
+    y -= (y / Divisor(repeatHeight)) * repeatHeight;
   }
   *xInRepeat = Signed(x);
   *yInRepeat = Signed(y);
@@ -70,29 +70,29 @@ void FoldHorizontal(const char *function, std::uint32_t x, std::uint32_t y,
                     std::int32_t *xInRepeat, std::int32_t *yInRepeat) {
   if (Negative(x)) {
     OSTREL_EXPECT(function, repeatHeight != 0);
-    const std::uint32_t k = (0u - y) / repeatHeight + 1;
+    const std::uint32_t k = (0u - y) / Divisor(repeatHeight) + 1;
     x += shift(k);
     y += k * repeatHeight;
   }
   if (Positive(x)) {
     OSTREL_EXPECT(function, repeatHeight != 0);
-    const std::uint32_t q = y / repeatHeight;
+    const std::uint32_t q = y / Divisor(repeatHeight);
     x -= shift(q);
     y -= q * repeatHeight;
   }
   if (Negative(x)) {
     OSTREL_EXPECT(function, repeatWidth != 0);
-    x += ((0u - x) / repeatWidth + 1) * repeatWidth;
+    x += ((0u - x) / Divisor(repeatWidth) + 1) * repeatWidth;
   }
   if (Positive(y)) {
     OSTREL_EXPECT(function, repeatWidth != 0);
-    y -= (x / repeatWidth) * repeatWidth;
+    y -= (x / Divisor(repeatWidth)) * repeatWidth;
   }
   *xInRepeat = Signed(x);
   *yInRepeat = Signed(y);
 }
 
-// trunc of Part 2.2's SetInRappMM: toward zero through a 32-bit integer.
+// The truncation SetInRappMM uses: toward zero through a 32-bit integer.
 double Trunc(double v) { return TruncToInt32(v); }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Repeat buffer positions and view-size adaptation (Part 2.4).
+// Repeat buffer positions and view-size adaptation.
 #include <cstdint>
 
 #include "Ostrel.h"

@@ -1,26 +1,28 @@
-// Integer helpers of the repeat geometry (Parts 2.1 to 2.4).
+// Integer helpers of the repeat geometry.
 //
 // The repeat functions compute in 32-bit two's complement: sums and products
 // wrap modulo 2^32, the way the processor's 32-bit registers do. C++ leaves
 // signed overflow undefined, so every wrapping operation here runs on the
 // unsigned bit patterns and converts back.
 //
-// Two cases that the spec does not spell out are fixed here, for every
-// function of the family:
+// Two cases are settled here for every function of the family:
 //   - the one signed quotient that does not fit, INT32_MIN / -1, wraps to
-//     INT32_MIN, and its remainder is 0 ("overflow wraps"; on x86 it would be
-//     a divide fault, which the spec names for division by zero only);
+//     INT32_MIN, and its remainder is 0 (overflow wraps; only a zero divisor
+//     faults);
 //   - a floor-modulo or floor division by an unsigned period (repeatWidth,
 //     repeatHeight) uses the period's unsigned value, so it is correct for
 //     every period, also above INT32_MAX.
-// Division by zero is left to the processor: it faults, as the spec says. The
-// checked build reports it first (OSTREL_EXPECT at each call site).
+// A zero divisor is the caller's error. Every integer division takes its
+// divisor through Divisor(), which stops the process with the processor's
+// divide fault instead of dividing by zero; the checked build reports the
+// error first (OSTREL_EXPECT at each call site).
 #ifndef OSTREL_REPEAT_REPEAT_MATH_H
 #define OSTREL_REPEAT_REPEAT_MATH_H
 
 #include <cstdint>
 
 #include "frame/numeric.h"
+#include "frame/platform.h"
 
 namespace ostrel {
 namespace repeat {
@@ -28,6 +30,13 @@ namespace repeat {
 // The drop kinds as plain numbers (the public enumeration is _EDropKind).
 constexpr std::int32_t kDropVertical = 1;
 constexpr std::int32_t kDropHorizontal = 2;
+
+// b, as the divisor of an integer division: 0 raises the divide fault.
+template <class Int>
+Int Divisor(Int b) {
+  if (b == 0) platform::RaiseIntegerDivideFault();
+  return b;
+}
 
 inline std::uint32_t Bits(std::int32_t v) { return static_cast<std::uint32_t>(v); }
 inline std::int32_t Signed(std::uint32_t v) { return static_cast<std::int32_t>(v); }
@@ -38,27 +47,27 @@ inline std::int32_t Sub(std::int32_t a, std::int32_t b) { return Signed(Bits(a) 
 inline std::int32_t Mul(std::int32_t a, std::int32_t b) { return Signed(Bits(a) * Bits(b)); }
 
 // Truncating signed division and remainder (C++ / and %), with
-// INT32_MIN / -1 = INT32_MIN and INT32_MIN % -1 = 0. b = 0 faults.
+// INT32_MIN / -1 = INT32_MIN and INT32_MIN % -1 = 0.
 inline std::int32_t Quot(std::int32_t a, std::int32_t b) {
-  return b == -1 ? Signed(0u - Bits(a)) : a / b;
+  return b == -1 ? Signed(0u - Bits(a)) : a / Divisor(b);
 }
-inline std::int32_t Rem(std::int32_t a, std::int32_t b) { return b == -1 ? 0 : a % b; }
+inline std::int32_t Rem(std::int32_t a, std::int32_t b) { return b == -1 ? 0 : a % Divisor(b); }
 
-// c mod P, the floor-modulo of Part 2.1, computed exactly as the spec writes
-// it: c % P for c >= 0, P - ((-1 - c) % P) - 1 for c < 0. For P > 0 the
-// result is in 0 .. P-1. P = 0 faults.
+// c mod P, the floor-modulo of the repeat arithmetic, computed exactly this
+// way, never by adding P to the remainder: c % P for c >= 0,
+// P - ((-1 - c) % P) - 1 for c < 0. For P > 0 the result is in 0 .. P-1.
 inline std::int32_t FloorMod(std::int32_t c, std::int32_t period) {
   if (c >= 0) return Rem(c, period);
   return Sub(Sub(period, Rem(-1 - c, period)), 1);
 }
 
-// The same by an unsigned period, in 0 .. period-1. period = 0 faults.
+// The same by an unsigned period, in 0 .. period-1.
 inline std::uint32_t FloorMod(std::int32_t c, std::uint32_t period) {
-  if (c >= 0) return Bits(c) % period;
-  return period - Bits(-1 - c) % period - 1;
+  if (c >= 0) return Bits(c) % Divisor(period);
+  return period - Bits(-1 - c) % Divisor(period) - 1;
 }
 
-// floordiv(a, b) of Part 2.3: a / b for a >= 0, (a + 1) / b - 1 for a < 0,
+// Floor division of the view coordinates: a / b for a >= 0, (a + 1) / b - 1 for a < 0,
 // and 0 when b is 0.
 inline std::int32_t FloorDiv(std::int32_t a, std::int32_t b) {
   if (b == 0) return 0;
@@ -74,26 +83,17 @@ inline std::int32_t FloorDiv(std::int32_t a, std::uint32_t b) {
   return -Signed(Bits(-1 - a) / b) - 1;
 }
 
-// Truncation of a double toward zero to a signed 64-bit integer. A value
-// outside the range of int64 (or NaN) gives INT64_MIN, the processor's 64-bit
-// "integer indefinite" result, whose low 32 bits are 0. Used where the spec
-// takes a truncation to 64 bits and keeps its low 32 bits.
-inline std::int64_t TruncToInt64(double x) {
-  if (!(x >= -9223372036854775808.0 && x < 9223372036854775808.0)) return INT64_MIN;
-  return static_cast<std::int64_t>(x);
-}
-
 // The low 32 bits of a 64-bit truncation.
 inline std::uint32_t TruncLow32(double x) {
   return static_cast<std::uint32_t>(static_cast<std::uint64_t>(TruncToInt64(x)));
 }
 
-// round(v) of Part 2.3: half away from zero, then truncation to 32 bits.
+// Rounding half away from zero, then truncation to 32 bits.
 inline std::int32_t RoundHalfAway(double v) {
   return v >= 0 ? TruncToInt32(v + 0.5) : TruncToInt32(v - 0.5);
 }
 
-// Folds (x, y) into the tile exactly as SetInRapp does (Part 2.2). function
+// Folds (x, y) into the tile exactly as SetInRapp does. function
 // names the exported function on whose behalf it runs, for the checked
 // build's reports.
 void FoldIntoRepeat(const char *function, std::int32_t x, std::int32_t y, std::uint32_t repeatWidth,
