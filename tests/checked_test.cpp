@@ -34,6 +34,17 @@ TEST(CheckedBuildDeathTest, CallerErrorsAbortNamingFunctionAndCondition) {
        "Ostrel: caller error in CopyTRCToTRCIfNotKeyColor: .*dst.left <= dst.width"},
       {[] { CopyTRCToTRCIfNotKeyColor(g_a, 8, 8, 0, 9, g_b, 8, 8, 0, 0, 1, 1, 0); },
        "Ostrel: caller error in CopyTRCToTRCIfNotKeyColor: .*src.top <= src.height"},
+      {[] {
+         int x, y;
+         SetInRapp(-5, 3, 0, 80, 0, eDropVertical, &x, &y);
+       },
+       "Ostrel: caller error in SetInRapp: repeatWidth != 0"},
+      {[] { kgV(6, 0); }, "Ostrel: caller error in kgV: b != 0"},
+      {[] {
+         const double xs[] = {1.0}, ys[] = {2.0};
+         GetLinearInterpoliertenWert(xs, ys, 1, 0.5);
+       },
+       "Ostrel: caller error in GetLinearInterpoliertenWert: count >= 2"},
   };
   for (const auto &e : errors) EXPECT_DEATH(e.call(), e.message);
 }
