@@ -1,0 +1,61 @@
+// Blends into 32-bit colour: the SSE2 and AVX2 kernels against the scalar
+// definitions, every member in both forms, on the random scenes of
+// trc_blend_test.cpp (whole buffers with guard elements, 1..67 columns,
+// unaligned pointers, regions overhanging either buffer).
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "frame/blend.h"
+#include "frame/dispatch.h"
+
+namespace ostrel_trc_test {
+// trc_blend_test.cpp: runs a member on the random scene of seed and returns
+// all its buffers; what, if given, receives a description of the call.
+std::vector<std::uint32_t> TrcBlendRandomRun(int member, bool exact, unsigned seed, std::string *what);
+int TrcBlendMemberCount();
+}  // namespace ostrel_trc_test
+
+namespace {
+
+using ostrel::simd::Isa;
+using ostrel::simd::LimitIsaForTesting;
+
+TEST(TrcBlendKernels, EveryIsaMatchesScalar) {
+  if (ostrel::simd::SupportedIsa() == Isa::kScalar) GTEST_SKIP() << "no vector kernels on this processor";
+  long bad = 0;
+  std::string first;
+  for (int m = 0; m < ostrel_trc_test::TrcBlendMemberCount(); ++m) {
+    for (bool exact : {true, false}) {
+      for (unsigned seed = 1; seed <= 200; ++seed) {
+        std::string what;
+        LimitIsaForTesting(Isa::kScalar);
+        const auto scalar = ostrel_trc_test::TrcBlendRandomRun(m, exact, seed, &what);
+        for (int isa = 1; isa <= static_cast<int>(ostrel::simd::SupportedIsa()); ++isa) {
+          LimitIsaForTesting(static_cast<Isa>(isa));
+          const auto got = ostrel_trc_test::TrcBlendRandomRun(m, exact, seed, nullptr);
+          if (got == scalar || bad++ != 0) continue;
+          std::size_t at = 0;
+          while (got[at] == scalar[at]) ++at;
+          first = (isa == 1 ? "SSE2, " : "AVX2, ") + what + ": buffer element " + std::to_string(at) +
+                  " is " + std::to_string(got[at]) + ", scalar gives " + std::to_string(scalar[at]);
+        }
+      }
+    }
+  }
+  LimitIsaForTesting(Isa::kAvx2);
+  EXPECT_EQ(bad, 0) << "vector kernels differ from scalar; first: " << first;
+}
+
+// The division the vector kernels use, for every 16-bit product.
+TEST(TrcBlendKernels, Div255ByMultiplyIsDivisionForEverySixteenBitValue) {
+  std::uint32_t bad = 0, first = 0;
+  for (std::uint32_t x = 0; x <= 65535; ++x) {
+    if (ostrel::blend::Div255ByMultiply(x) != x / 255 && bad++ == 0) first = x;
+  }
+  EXPECT_EQ(bad, 0u) << "first x: " << first << " gives " << ostrel::blend::Div255ByMultiply(first);
+}
+
+}  // namespace
