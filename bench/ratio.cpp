@@ -35,6 +35,21 @@ std::deque<Entry> &Entries() {
 void Check(Entry &e) {
   e.checked = true;
   const Pair &p = e.pair;
+  if (p.verify) {
+    if (p.reset) p.reset();
+    p.ours();
+    std::string wrong = p.verify(true);
+    if (wrong.empty()) {
+      if (p.reset) p.reset();
+      p.peer();
+      wrong = p.verify(false);
+      if (!wrong.empty()) wrong = p.peerName + ": " + wrong;
+    } else {
+      wrong = "ours: " + wrong;
+    }
+    e.mismatch = wrong;
+    return;
+  }
   if (p.output.data == nullptr) return;
   if (p.reset) p.reset();
   p.ours();
@@ -163,7 +178,11 @@ void PrintRatioTable(const CollectingReporter &collected, std::ostream &out) {
     } else {
       verdict = "(both sides must run)";
     }
-    if (measured && e.pair.output.data == nullptr) verdict += "  [outputs not compared]";
+    if (measured && e.pair.verify) {
+      verdict += "  [each side checked on its own]";
+    } else if (measured && e.pair.output.data == nullptr) {
+      verdict += "  [outputs not compared]";
+    }
     std::snprintf(line, sizeof line, "%-*s  %13s  %-*s  %13s  %6s  %s\n",
                   static_cast<int>(labelWidth), e.pair.label.c_str(), Throughput(e.pair, ours).c_str(),
                   static_cast<int>(peerWidth), e.pair.peerName.c_str(),

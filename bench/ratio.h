@@ -57,11 +57,19 @@ struct Pair {
 
   // The check, run once before the first timed loop of either side: reset,
   // run ours, keep `output`; reset, run the peer, compare `output`. A
-  // mismatch fails both benchmarks and the program. Leave `output` empty only
-  // when the peer does a different job (e.g. a same-traffic trivial kernel);
-  // the ratio table then says "not compared".
+  // mismatch fails both benchmarks and the program. Leave `output` empty (and
+  // `verify` unset) only when the peer does a different job and cannot be
+  // checked; the ratio table then says "not compared".
   std::function<void()> reset;
   Bytes output;
+
+  // Instead of comparing `output`, for pairs whose two sides may rightly
+  // leave different bytes (another library's rounding, a trivial kernel):
+  // the check calls verify(true) right after ours ran and verify(false)
+  // right after the peer ran, each on the starting contents, and verify
+  // returns "" when that side's result is right, else what is wrong (which
+  // fails the pair like a mismatch).
+  std::function<std::string(bool ours)> verify;
 };
 
 void AddPair(Pair pair);
