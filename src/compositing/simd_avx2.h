@@ -26,14 +26,12 @@ struct Avx2 {
     return _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i *>(p)));
   }
 
+  // Asks for the cache line holding p; never faults.
+  static void Prefetch(const void *p) { _mm_prefetch(static_cast<const char *>(p), _MM_HINT_T0); }
+
   static Reg Zero() { return _mm256_setzero_si256(); }
   static Reg Set32(std::uint32_t v) { return _mm256_set1_epi32(static_cast<int>(v)); }
   static Reg Set16(std::uint16_t v) { return _mm256_set1_epi16(static_cast<short>(v)); }
-  static Reg Set64(std::uint32_t hi, std::uint32_t lo) {
-    return _mm256_set_epi32(static_cast<int>(hi), static_cast<int>(lo), static_cast<int>(hi),
-                            static_cast<int>(lo), static_cast<int>(hi), static_cast<int>(lo),
-                            static_cast<int>(hi), static_cast<int>(lo));
-  }
 
   static Reg And(Reg a, Reg b) { return _mm256_and_si256(a, b); }
   static Reg AndNot(Reg a, Reg b) { return _mm256_andnot_si256(a, b); }  // ~a & b
@@ -46,17 +44,14 @@ struct Avx2 {
   static Reg SubSatU16(Reg a, Reg b) { return _mm256_subs_epu16(a, b); }
   static Reg MulLo16(Reg a, Reg b) { return _mm256_mullo_epi16(a, b); }
   static Reg MulHiU16(Reg a, Reg b) { return _mm256_mulhi_epu16(a, b); }
+  static Reg MulHiS16(Reg a, Reg b) { return _mm256_mulhi_epi16(a, b); }
+  template <int n> static Reg ShiftLeft16(Reg a) { return _mm256_slli_epi16(a, n); }
+  // |a|, and b negated where a < 0 (0 where a is 0), 16-bit lanes.
+  static Reg Abs16(Reg a) { return _mm256_abs_epi16(a); }
+  static Reg Sign16(Reg b, Reg a) { return _mm256_sign_epi16(b, a); }
   template <int n> static Reg ShiftRight16(Reg a) { return _mm256_srli_epi16(a, n); }
   template <int n> static Reg ShiftLeft32(Reg a) { return _mm256_slli_epi32(a, n); }
   template <int n> static Reg ShiftRight32(Reg a) { return _mm256_srli_epi32(a, n); }
-
-  // Bytes to 16-bit lanes and back; 32-bit lanes doubled (both within
-  // 128-bit halves, the same way on both instruction sets).
-  static Reg WidenLo8(Reg a) { return _mm256_unpacklo_epi8(a, _mm256_setzero_si256()); }
-  static Reg WidenHi8(Reg a) { return _mm256_unpackhi_epi8(a, _mm256_setzero_si256()); }
-  static Reg NarrowSat16(Reg lo, Reg hi) { return _mm256_packus_epi16(lo, hi); }
-  static Reg InterleaveLo32(Reg a, Reg b) { return _mm256_unpacklo_epi32(a, b); }
-  static Reg InterleaveHi32(Reg a, Reg b) { return _mm256_unpackhi_epi32(a, b); }
 };
 
 }  // namespace

@@ -30,13 +30,12 @@ struct Sse2 {
     return _mm_unpacklo_epi16(_mm_loadl_epi64(reinterpret_cast<const Reg *>(p)), _mm_setzero_si128());
   }
 
+  // Asks for the cache line holding p; never faults.
+  static void Prefetch(const void *p) { _mm_prefetch(static_cast<const char *>(p), _MM_HINT_T0); }
+
   static Reg Zero() { return _mm_setzero_si128(); }
   static Reg Set32(std::uint32_t v) { return _mm_set1_epi32(static_cast<int>(v)); }
   static Reg Set16(std::uint16_t v) { return _mm_set1_epi16(static_cast<short>(v)); }
-  static Reg Set64(std::uint32_t hi, std::uint32_t lo) {
-    return _mm_set_epi32(static_cast<int>(hi), static_cast<int>(lo), static_cast<int>(hi),
-                         static_cast<int>(lo));
-  }
 
   static Reg And(Reg a, Reg b) { return _mm_and_si128(a, b); }
   static Reg AndNot(Reg a, Reg b) { return _mm_andnot_si128(a, b); }  // ~a & b
@@ -49,17 +48,20 @@ struct Sse2 {
   static Reg SubSatU16(Reg a, Reg b) { return _mm_subs_epu16(a, b); }
   static Reg MulLo16(Reg a, Reg b) { return _mm_mullo_epi16(a, b); }
   static Reg MulHiU16(Reg a, Reg b) { return _mm_mulhi_epu16(a, b); }
+  static Reg MulHiS16(Reg a, Reg b) { return _mm_mulhi_epi16(a, b); }
+  template <int n> static Reg ShiftLeft16(Reg a) { return _mm_slli_epi16(a, n); }
+  // |a| and b negated where a < 0, 16-bit lanes (no SSSE3: by the sign mask).
+  static Reg Abs16(Reg a) {
+    const Reg sign = _mm_srai_epi16(a, 15);
+    return _mm_sub_epi16(_mm_xor_si128(a, sign), sign);
+  }
+  static Reg Sign16(Reg b, Reg a) {
+    const Reg sign = _mm_srai_epi16(a, 15);
+    return _mm_sub_epi16(_mm_xor_si128(b, sign), sign);
+  }
   template <int n> static Reg ShiftRight16(Reg a) { return _mm_srli_epi16(a, n); }
   template <int n> static Reg ShiftLeft32(Reg a) { return _mm_slli_epi32(a, n); }
   template <int n> static Reg ShiftRight32(Reg a) { return _mm_srli_epi32(a, n); }
-
-  // Bytes to 16-bit lanes and back; 32-bit lanes doubled (both within
-  // 128-bit halves, the same way on both instruction sets).
-  static Reg WidenLo8(Reg a) { return _mm_unpacklo_epi8(a, _mm_setzero_si128()); }
-  static Reg WidenHi8(Reg a) { return _mm_unpackhi_epi8(a, _mm_setzero_si128()); }
-  static Reg NarrowSat16(Reg lo, Reg hi) { return _mm_packus_epi16(lo, hi); }
-  static Reg InterleaveLo32(Reg a, Reg b) { return _mm_unpacklo_epi32(a, b); }
-  static Reg InterleaveHi32(Reg a, Reg b) { return _mm_unpackhi_epi32(a, b); }
 };
 
 }  // namespace

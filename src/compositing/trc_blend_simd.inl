@@ -3,18 +3,23 @@
 // AVX2 kernel files. Every kernel gives exactly the results of its scalar
 // definition in trc_blend_scalar.cpp.
 //
-// How the arithmetic is done on vectors. Channels are widened to 16-bit
-// lanes, with the pixel's weight in its blue, green and red lanes and 0 in
-// its alpha lane (so the alpha byte comes through unchanged).
+// How the arithmetic is done on vectors. Each pixel is split, without
+// shuffles, into its even bytes (blue, red: pixel & 0x00FF00FF) and its odd
+// bytes (green, alpha: pixel >> 8 in 16-bit lanes), each channel in a 16-bit
+// lane. The pixel's weight goes into its blue, green and red lanes and 0 into
+// its alpha lane, so the alpha byte comes through unchanged.
 //   exact  d + ((s - d) * W) / 255, truncated toward zero, as
-//          d + Div255(max(s - d, 0) * W) - Div255(max(d - s, 0) * W):
-//          both products lie in 0..65535.
-//   fast   d + floor(((s - d) * w) / 256) = (s * w + d * (256 - w)) >> 8:
-//          the sum lies in 0..65280, so no signed arithmetic is needed.
+//          d + sign(s - d) * Div255(|s - d| * W): the product lies in
+//          0..65535 for W up to 257.
+//   fast   d + floor(((s - d) * w) / 256), as
+//          d + MulHiS16((s - d) << 7, 2 * w): both factors fit in signed
+//          16 bits (w <= 255), and the high half of a signed product is the
+//          product divided by 65536, rounded down.
 //   Div255(x) = (x * 0x8081) >> 23, which equals x / 255 for every x in
 //          0..65535 (blend::Div255ByMultiply).
-// The last few pixels of a row go through a short copy, so no vector access
-// reaches past the row.
+// Rows are walked a cache line at a time, with the lines some way ahead
+// prefetched. The last few pixels of a row go through a short copy, so no
+// vector access reaches past the row.
 #include <cstring>
 
 namespace ostrel {
@@ -30,11 +35,14 @@ typename V::Reg Div255(typename V::Reg x) {
   return V::template ShiftRight16<blend::kDiv255Shift - 16>(high);
 }
 
-// The weights of a call, from coverages c (0..257) in 32-bit lanes and the
-// opacity in every lane.
+// The weights of a call, from coverages c (0..257) in 32-bit lanes. At
+// opacity 255 (the usual case, and the same for every step of a call, so the
+// branch costs nothing) the exact weight is c itself and the fast weight
+// (255 * c) >> 8 is c - 1, or 0 for c = 0.
 template <class V, Form form>
-typename V::Reg WeightOf(typename V::Reg c, typename V::Reg opacity) {
-  const typename V::Reg product = V::MulLo16(c, opacity);  // at most 65535
+typename V::Reg WeightOf(typename V::Reg c, std::uint32_t opacity) {
+  if (opacity == 255) return form == Form::kExact ? c : V::SubSatU16(c, V::Set16(1));
+  const typename V::Reg product = V::MulLo16(c, V::Set32(opacity));  // at most 65535
   return form == Form::kExact ? Div255<V>(product) : V::template ShiftRight16<8>(product);
 }
 
@@ -50,28 +58,37 @@ typename V::Reg Select(typename V::Reg mask, typename V::Reg a, typename V::Reg 
   return V::Or(V::And(mask, a), V::AndNot(mask, b));
 }
 
-// One half (2 or 4 pixels) of 16-bit channel lanes.
+// Channels in 16-bit lanes, each with its own weight in w (the fast form
+// takes 2 * w). Only the low byte of each lane is meaningful afterwards.
 template <class V, Form form>
 typename V::Reg BlendLanes(typename V::Reg d, typename V::Reg s, typename V::Reg w) {
+  const typename V::Reg diff = V::Sub16(s, d);
   if (form == Form::kExact) {
-    const typename V::Reg up = Div255<V>(V::MulLo16(V::SubSatU16(s, d), w));
-    const typename V::Reg down = Div255<V>(V::MulLo16(V::SubSatU16(d, s), w));
-    return V::And(V::Add16(d, V::Sub16(up, down)), V::Set16(0xFF));
+    const typename V::Reg moved = Div255<V>(V::MulLo16(V::Abs16(diff), w));
+    return V::Add16(d, V::Sign16(moved, diff));
   }
-  const typename V::Reg keep = V::Sub16(V::Set16(256), w);
-  return V::template ShiftRight16<8>(V::Add16(V::MulLo16(s, w), V::MulLo16(d, keep)));
+  return V::Add16(d, V::MulHiS16(V::template ShiftLeft16<7>(diff), w));
 }
 
 // Moves the pixels d toward s by the per-pixel weights w (32-bit lanes):
-// blue, green and red, or with alphaOnly the alpha byte alone.
-template <class V, Form form, bool alphaOnly = false>
+// blue, green and red, or with alphaOnly the alpha byte alone. The channels
+// are split without shuffles into the even bytes (blue, red) and the odd
+// bytes (green, alpha) of each pixel, each in a 16-bit lane. A channel stays
+// in 0..255 for weights up to 255; wide allows exact weights up to 257 (from
+// 16-bit coverage words), whose channels keep their low byte.
+template <class V, Form form, bool alphaOnly = false, bool wide = false>
 typename V::Reg BlendPixels(typename V::Reg d, typename V::Reg s, typename V::Reg w) {
-  const typename V::Reg doubled = V::Or(w, V::template ShiftLeft32<16>(w));
-  const typename V::Reg lanes = alphaOnly ? V::Set64(0xFFFF0000u, 0) : V::Set64(0x0000FFFFu, 0xFFFFFFFFu);
-  const typename V::Reg wLo = V::And(V::InterleaveLo32(doubled, doubled), lanes);
-  const typename V::Reg wHi = V::And(V::InterleaveHi32(doubled, doubled), lanes);
-  return V::NarrowSat16(BlendLanes<V, form>(V::WidenLo8(d), V::WidenLo8(s), wLo),
-                        BlendLanes<V, form>(V::WidenHi8(d), V::WidenHi8(s), wHi));
+  const typename V::Reg evenBytes = V::Set32(0x00FF00FFu);
+  // The fast form's doubled weight (see BlendLanes).
+  const typename V::Reg lane = form == Form::kExact ? w : V::Add16(w, w);
+  const typename V::Reg both = V::Or(lane, V::template ShiftLeft32<16>(lane));
+  const typename V::Reg wOdd = alphaOnly ? V::template ShiftLeft32<16>(lane) : lane;
+  const typename V::Reg odd = BlendLanes<V, form>(V::template ShiftRight16<8>(d),
+                                                  V::template ShiftRight16<8>(s), wOdd);
+  const typename V::Reg evenD = V::And(d, evenBytes);
+  if (alphaOnly) return V::Or(evenD, V::template ShiftLeft16<8>(odd));
+  const typename V::Reg even = BlendLanes<V, form>(evenD, V::And(s, evenBytes), both);
+  return V::Or(wide ? V::And(even, evenBytes) : even, V::template ShiftLeft16<8>(odd));
 }
 
 // ---- Kernels: one step of V::kPixels pixels from pixel i ------------------
@@ -80,7 +97,7 @@ template <class V, Form form>
 struct PixelsByAlpha {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
     const typename V::Reg s = V::Load(r.pixels + i);
-    const typename V::Reg w = WeightOf<V, form>(V::template ShiftRight32<24>(s), V::Set32(b.opacity));
+    const typename V::Reg w = WeightOf<V, form>(V::template ShiftRight32<24>(s), b.opacity);
     V::Store(r.dst + i, BlendPixels<V, form>(V::Load(r.dst + i), s, w));
   }
 };
@@ -95,7 +112,7 @@ struct PixelsByWeight {
 template <class V, Form form>
 struct PixelsByBytes {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
-    const typename V::Reg w = WeightOf<V, form>(V::BytesToLanes(r.bytes + i), V::Set32(b.opacity));
+    const typename V::Reg w = WeightOf<V, form>(V::BytesToLanes(r.bytes + i), b.opacity);
     V::Store(r.dst + i, BlendPixels<V, form>(V::Load(r.dst + i), V::Load(r.pixels + i), w));
   }
 };
@@ -103,7 +120,7 @@ struct PixelsByBytes {
 template <class V, Form form>
 struct ColourByBytes {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
-    const typename V::Reg w = WeightOf<V, form>(V::BytesToLanes(r.bytes + i), V::Set32(b.opacity));
+    const typename V::Reg w = WeightOf<V, form>(V::BytesToLanes(r.bytes + i), b.opacity);
     V::Store(r.dst + i, BlendPixels<V, form>(V::Load(r.dst + i), V::Set32(b.colour), w));
   }
 };
@@ -112,7 +129,7 @@ template <class V, Form form>
 struct ColourByInverse {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
     const typename V::Reg c = V::Xor(V::BytesToLanes(r.bytes + i), V::Set32(255));
-    const typename V::Reg w = WeightOf<V, form>(c, V::Set32(b.opacity));
+    const typename V::Reg w = WeightOf<V, form>(c, b.opacity);
     V::Store(r.dst + i, BlendPixels<V, form>(V::Load(r.dst + i), V::Set32(b.colour), w));
   }
 };
@@ -122,8 +139,8 @@ struct ColourByWords {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
     const typename V::Reg word = V::WordsToLanes(r.words + i);
     const typename V::Reg c = form == Form::kExact ? Div255<V>(word) : V::template ShiftRight32<8>(word);
-    const typename V::Reg w = WeightOf<V, form>(c, V::Set32(b.opacity));
-    V::Store(r.dst + i, BlendPixels<V, form>(V::Load(r.dst + i), V::Set32(b.colour), w));
+    const typename V::Reg w = WeightOf<V, form>(c, b.opacity);
+    V::Store(r.dst + i, BlendPixels<V, form, false, true>(V::Load(r.dst + i), V::Set32(b.colour), w));
   }
 };
 
@@ -138,7 +155,7 @@ template <class V>
 struct ColourByFlag {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
     const typename V::Reg c = Flag<V>(V::BytesToLanes(r.bytes + i));
-    const typename V::Reg w = WeightOf<V, Form::kExact>(c, V::Set32(b.opacity));
+    const typename V::Reg w = WeightOf<V, Form::kExact>(c, b.opacity);
     V::Store(r.dst + i, BlendPixels<V, Form::kExact>(V::Load(r.dst + i), V::Set32(b.colour), w));
   }
 };
@@ -147,7 +164,7 @@ template <class V, bool flag>
 struct ColourByBlue {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
     const typename V::Reg blue = V::And(V::Load(r.pixels + i), V::Set32(0xFF));
-    const typename V::Reg w = WeightOf<V, Form::kExact>(flag ? Flag<V>(blue) : blue, V::Set32(b.opacity));
+    const typename V::Reg w = WeightOf<V, Form::kExact>(flag ? Flag<V>(blue) : blue, b.opacity);
     V::Store(r.dst + i, BlendPixels<V, Form::kExact>(V::Load(r.dst + i), V::Set32(b.colour), w));
   }
 };
@@ -167,7 +184,7 @@ template <class V>
 struct ColourErasingAlpha {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
     const typename V::Reg c = V::BytesToLanes(r.bytes + i);
-    const typename V::Reg w = WeightOf<V, Form::kExact>(c, V::Set32(b.opacity));
+    const typename V::Reg w = WeightOf<V, Form::kExact>(c, b.opacity);
     const typename V::Reg out = BlendPixels<V, Form::kExact>(V::Load(r.dst + i), V::Set32(b.colour), w);
     const typename V::Reg keep = V::Or(V::CmpEq32(c, V::Zero()), V::Set32(0x00FFFFFFu));
     V::Store(r.dst + i, V::And(out, keep));
@@ -179,7 +196,7 @@ struct QuickMask {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
     const typename V::Reg m = V::BytesToLanes(r.bytes + i);
     const typename V::Reg colour = V::Set32(b.colour);
-    const typename V::Reg w = WeightOf<V, Form::kExact>(V::Xor(m, V::Set32(255)), V::Set32(b.opacity));
+    const typename V::Reg w = WeightOf<V, Form::kExact>(V::Xor(m, V::Set32(255)), b.opacity);
     const typename V::Reg out = BlendPixels<V, Form::kExact>(V::Load(r.dst + i), colour, w);
     V::Store(r.dst + i, Select<V>(V::CmpEq32(m, V::Zero()), colour, out));
   }
@@ -191,7 +208,7 @@ struct GreysByBytes {
     const typename V::Reg g = V::BytesToLanes(r.greys + i);
     const typename V::Reg grey =
         V::Or(g, V::Or(V::template ShiftLeft32<8>(g), V::template ShiftLeft32<16>(g)));
-    const typename V::Reg w = WeightOf<V, Form::kExact>(V::BytesToLanes(r.bytes + i), V::Set32(b.opacity));
+    const typename V::Reg w = WeightOf<V, Form::kExact>(V::BytesToLanes(r.bytes + i), b.opacity);
     V::Store(r.dst + i, BlendPixels<V, Form::kExact>(V::Load(r.dst + i), grey, w));
   }
 };
@@ -210,7 +227,7 @@ struct ColourOnBackground {
 template <class V>
 struct AlphaByBytes {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
-    const typename V::Reg w = WeightOf<V, Form::kExact>(V::BytesToLanes(r.bytes + i), V::Set32(b.opacity));
+    const typename V::Reg w = WeightOf<V, Form::kExact>(V::BytesToLanes(r.bytes + i), b.opacity);
     V::Store(r.dst + i, BlendPixels<V, Form::kExact, true>(V::Load(r.dst + i), V::Set32(b.colour), w));
   }
 };
@@ -218,8 +235,28 @@ struct AlphaByBytes {
 // ---- The row loop ----------------------------------------------------------
 
 template <class V, class Kernel>
-void RunRow(const TrcRow &r, const TrcBlend &b) {
+void RunRow(const TrcRow &row, const TrcBlend &blend) {
+  // Local copies: stores to the destination cannot change them, so the
+  // compiler keeps them (and what is derived from them) in registers.
+  const TrcRow r = row;
+  const TrcBlend b = blend;
   std::size_t i = 0;
+  // A cache line of pixels at a time, asking for the destination and source
+  // lines kAhead pixels further on: left to the processor's own prefetching,
+  // a row larger than the caches keeps the kernel waiting on memory. (A
+  // prefetch past the end of a buffer is harmless; the address is formed as
+  // an integer.)
+  constexpr std::size_t kLine = 64 / sizeof(std::uint32_t);
+  constexpr std::size_t kAhead = 512;
+  static_assert(kLine % V::kPixels == 0, "steps fill a cache line");
+  const auto ahead = [](const std::uint32_t *p) {
+    return reinterpret_cast<const void *>(reinterpret_cast<std::uintptr_t>(p) + kAhead * sizeof *p);
+  };
+  for (; i + kLine <= r.n; i += kLine) {
+    V::Prefetch(ahead(r.dst + i));
+    if (r.pixels != nullptr) V::Prefetch(ahead(r.pixels + i));
+    for (std::size_t k = 0; k < kLine; k += V::kPixels) Kernel::Step(r, b, i + k);
+  }
   for (; i + V::kPixels <= r.n; i += V::kPixels) Kernel::Step(r, b, i);
   if (i == r.n) return;
 
