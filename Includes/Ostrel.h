@@ -776,4 +776,112 @@ OSTREL_API void AlphaBlendColorWithAlphaBlueOfTrcToTrc(
     unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
     unsigned int regionWidth, unsigned int regionHeight, bool flat, bool scaleColour);
 
+// ===========================================================================
+// Density blending
+// ===========================================================================
+// A density is one constant grey value laid into a grey destination through
+// a coverage buffer, the grey counterpart of blending a solid colour. The
+// coverage buffer is the first buffer group and plays the source's part in
+// clipping. The L08 members have both forms; the L12 members only the exact
+// form (their `exact` is ignored) and neither shift nor clamp the density.
+
+// Toward density with coverage c = alpha byte. Exact and fast forms.
+OSTREL_API void AlphaBlendDensityToL08(unsigned char density, unsigned char *alpha,
+                                       unsigned int alphaWidth, unsigned int alphaHeight,
+                                       unsigned int alphaLeft, unsigned int alphaTop,
+                                       unsigned char *dst, unsigned int dstWidth,
+                                       unsigned int dstHeight, unsigned int dstLeft,
+                                       unsigned int dstTop, unsigned char opacity,
+                                       unsigned int regionWidth, unsigned int regionHeight,
+                                       bool exact);
+
+// Toward density with c = 255 - alpha byte. Exact and fast forms.
+OSTREL_API void AlphaBlendDensityToL08Inverted(unsigned char density, unsigned char *alpha,
+                                               unsigned int alphaWidth, unsigned int alphaHeight,
+                                               unsigned int alphaLeft, unsigned int alphaTop,
+                                               unsigned char *dst, unsigned int dstWidth,
+                                               unsigned int dstHeight, unsigned int dstLeft,
+                                               unsigned int dstTop, unsigned char opacity,
+                                               unsigned int regionWidth,
+                                               unsigned int regionHeight, bool exact);
+
+// Note the names of the two L12 members: this one weights by 255 - alpha
+// byte, and AlphaBlendDensityToL12Inverted by the alpha byte itself. Hosts
+// rely on the pairing, so it stays. Exact form only.
+OSTREL_API void AlphaBlendDensityToL12(unsigned short density, unsigned char *alpha,
+                                       unsigned int alphaWidth, unsigned int alphaHeight,
+                                       unsigned int alphaLeft, unsigned int alphaTop,
+                                       unsigned short *dst, unsigned int dstWidth,
+                                       unsigned int dstHeight, unsigned int dstLeft,
+                                       unsigned int dstTop, unsigned char opacity,
+                                       unsigned int regionWidth, unsigned int regionHeight,
+                                       bool exact);
+
+// Toward density with c = alpha byte (see AlphaBlendDensityToL12). Exact form
+// only.
+OSTREL_API void AlphaBlendDensityToL12Inverted(unsigned short density, unsigned char *alpha,
+                                               unsigned int alphaWidth, unsigned int alphaHeight,
+                                               unsigned int alphaLeft, unsigned int alphaTop,
+                                               unsigned short *dst, unsigned int dstWidth,
+                                               unsigned int dstHeight, unsigned int dstLeft,
+                                               unsigned int dstTop, unsigned char opacity,
+                                               unsigned int regionWidth,
+                                               unsigned int regionHeight, bool exact);
+
+// The destination byte becomes density where the alpha byte is not 0 and is
+// left alone where it is 0. No weighting.
+OSTREL_API void AlphaBlendDensityToL08Flat(unsigned char density, unsigned char *alpha,
+                                           unsigned int alphaWidth, unsigned int alphaHeight,
+                                           unsigned int alphaLeft, unsigned int alphaTop,
+                                           unsigned char *dst, unsigned int dstWidth,
+                                           unsigned int dstHeight, unsigned int dstLeft,
+                                           unsigned int dstTop, unsigned int regionWidth,
+                                           unsigned int regionHeight);
+
+// The destination byte becomes density where the alpha byte is 0.
+OSTREL_API void AlphaBlendDensityToL08FlatInverted(unsigned char density, unsigned char *alpha,
+                                                   unsigned int alphaWidth,
+                                                   unsigned int alphaHeight,
+                                                   unsigned int alphaLeft, unsigned int alphaTop,
+                                                   unsigned char *dst, unsigned int dstWidth,
+                                                   unsigned int dstHeight, unsigned int dstLeft,
+                                                   unsigned int dstTop, unsigned int regionWidth,
+                                                   unsigned int regionHeight);
+
+// The destination word becomes density (all 16 bits) where the alpha byte is
+// not 0.
+OSTREL_API void AlphaBlendDensityToL12Flat(unsigned short density, unsigned char *alpha,
+                                           unsigned int alphaWidth, unsigned int alphaHeight,
+                                           unsigned int alphaLeft, unsigned int alphaTop,
+                                           unsigned short *dst, unsigned int dstWidth,
+                                           unsigned int dstHeight, unsigned int dstLeft,
+                                           unsigned int dstTop, unsigned int regionWidth,
+                                           unsigned int regionHeight);
+
+// Coverage b = blue byte of each TRC pixel; exact form only. The path is
+// chosen once per call:
+//   flat                          where b != 0 the byte becomes density
+//   opacity < 255                 W = (b * opacity) / 255, d + ((density - d) * W) / 255
+//   opacity 255, scaleDensity     where b != 0 the byte becomes (b * density) / 255
+//   opacity 255, not scaleDensity d + ((density - d) * b) / 255
+// Note the argument order: density between the TRC group and the destination
+// pointer, opacity right after the destination pointer.
+OSTREL_API void AlphaBlendDensityWithAlphaBlueOfTrcToL08(
+    unsigned int *trc, unsigned int trcWidth, unsigned int trcHeight, unsigned int trcLeft,
+    unsigned int trcTop, unsigned char density, unsigned char *dst, unsigned char opacity,
+    unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+    unsigned int regionWidth, unsigned int regionHeight, bool flat, bool scaleDensity);
+
+// Toward the source byte s with c = alpha byte, every pixel (s = 0 too). The
+// alpha buffer has the source's geometry (same index, stride srcWidth). Exact
+// form only: `exact` is ignored.
+OSTREL_API void AlphaBlendL08WithAlphaBufferToL08(unsigned char *src, unsigned char *alpha,
+                                                  unsigned int srcWidth, unsigned int srcHeight,
+                                                  unsigned int srcLeft, unsigned int srcTop,
+                                                  unsigned char *dst, unsigned int dstWidth,
+                                                  unsigned int dstHeight, unsigned int dstLeft,
+                                                  unsigned int dstTop, unsigned char opacity,
+                                                  unsigned int regionWidth,
+                                                  unsigned int regionHeight, bool exact);
+
 #endif  // OSTREL_H

@@ -1,0 +1,74 @@
+// Grey compositing into 8-bit destinations: the scalar definitions, one loop
+// per kernel, written as the rule each one implements.
+#include "compositing/grey_blend_kernels.h"
+#include "frame/blend.h"
+
+namespace ostrel {
+namespace {
+
+using blend::Channel;
+using blend::ExactChannel;
+using blend::ExactWeight;
+using blend::Form;
+using blend::Weight;
+
+// The result is stored as its low byte (for bytes it already lies in 0..255).
+template <Form form>
+void DensityByAlpha(const GreyRow &r, const GreyBlend &b) {
+  for (std::size_t i = 0; i < r.n; ++i) {
+    const std::uint32_t w = Weight<form>(r.alpha[i], b.opacity);
+    r.dst[i] = static_cast<std::uint8_t>(Channel<form>(r.dst[i], static_cast<std::int32_t>(b.density), w));
+  }
+}
+
+template <Form form>
+void DensityByInverse(const GreyRow &r, const GreyBlend &b) {
+  for (std::size_t i = 0; i < r.n; ++i) {
+    const std::uint32_t w = Weight<form>(255u - r.alpha[i], b.opacity);
+    r.dst[i] = static_cast<std::uint8_t>(Channel<form>(r.dst[i], static_cast<std::int32_t>(b.density), w));
+  }
+}
+
+void GreysByAlpha(const GreyRow &r, const GreyBlend &b) {
+  for (std::size_t i = 0; i < r.n; ++i) {
+    r.dst[i] = static_cast<std::uint8_t>(ExactChannel(r.dst[i], r.src[i], ExactWeight(r.alpha[i], b.opacity)));
+  }
+}
+
+template <Form form>
+void ApplyAlpha(const GreyRow &r, const GreyBlend &b) {
+  for (std::size_t i = 0; i < r.n; ++i) {
+    if (form == Form::kExact) {
+      r.dst[i] = static_cast<std::uint8_t>(r.dst[i] * ExactWeight(r.alpha[i], b.opacity) / 255u);
+    } else {
+      const std::uint32_t w = b.opacity == 255 ? r.alpha[i] : (r.alpha[i] * b.opacity) >> 8;
+      r.dst[i] = static_cast<std::uint8_t>((r.dst[i] * w) >> 8);
+    }
+  }
+}
+
+void Lookup(const GreyRow &r, const GreyBlend &b) {
+  for (std::size_t i = 0; i < r.n; ++i) r.dst[i] = b.table[r.dst[i]];
+}
+
+constexpr GreyBlendKernels MakeScalar() {
+  return GreyBlendKernels{
+      {DensityByAlpha<Form::kExact>, DensityByAlpha<Form::kFast>},
+      {DensityByInverse<Form::kExact>, DensityByInverse<Form::kFast>},
+      GreysByAlpha,
+      {ApplyAlpha<Form::kExact>, ApplyAlpha<Form::kFast>},
+      Lookup,
+  };
+}
+
+}  // namespace
+
+const GreyBlendKernels GreyBlendKernelsScalar = MakeScalar();
+
+#if OSTREL_X86
+// Until a kernel has a vector version, the vector tables run its scalar one.
+const GreyBlendKernels GreyBlendKernelsSse2 = MakeScalar();
+const GreyBlendKernels GreyBlendKernelsAvx2 = MakeScalar();
+#endif
+
+}  // namespace ostrel

@@ -1,0 +1,54 @@
+// Helpers shared by the grey compositing tests.
+#ifndef OSTREL_TESTS_GREY_TEST_UTIL_H
+#define OSTREL_TESTS_GREY_TEST_UTIL_H
+
+#include <cstdint>
+#include <random>
+#include <vector>
+
+#include "frame/module.h"
+
+namespace grey_test {
+
+using u8 = std::uint8_t;
+using u16 = std::uint16_t;
+using u32 = std::uint32_t;
+
+// Sets the module's fast-form flag for the life of the object.
+class FastFlag {
+ public:
+  explicit FastFlag(int value) : saved_(ostrel::frame::g_fastFormFlag) {
+    ostrel::frame::SetFastFormFlagForTesting(value);
+  }
+  ~FastFlag() { ostrel::frame::SetFastFormFlagForTesting(saved_); }
+  FastFlag(const FastFlag &) = delete;
+  FastFlag &operator=(const FastFlag &) = delete;
+
+ private:
+  int saved_;
+};
+
+// Exact form: d + ((s - d) * W) / 255 truncated toward zero.
+inline int ExactMix(int d, int s, int w) { return d + (s - d) * w / 255; }
+// Fast form: d + floor(((s - d) * w) / 256).
+inline int FastMix(int d, int s, int w) {
+  const int p = (s - d) * w;
+  return d + (p >= 0 ? p / 256 : -((255 - p) / 256));
+}
+
+// A byte that is often one where the arithmetic turns.
+inline u32 TurnByte(std::mt19937 &r) {
+  static const u8 kTurns[] = {0, 1, 127, 128, 254, 255};
+  return r() % 2 ? kTurns[r() % 6] : r() & 0xFF;
+}
+
+template <class T, class Gen>
+std::vector<T> Random(std::size_t n, Gen gen) {
+  std::vector<T> v(n);
+  for (auto &x : v) x = static_cast<T>(gen());
+  return v;
+}
+
+}  // namespace grey_test
+
+#endif  // OSTREL_TESTS_GREY_TEST_UTIL_H
