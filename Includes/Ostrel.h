@@ -884,4 +884,100 @@ OSTREL_API void AlphaBlendL08WithAlphaBufferToL08(unsigned char *src, unsigned c
                                                   unsigned int regionWidth,
                                                   unsigned int regionHeight, bool exact);
 
+// ===========================================================================
+// Grey-to-grey blending
+// ===========================================================================
+// One grey buffer blended into another of the same format (L08 into L08, L12
+// into L12), weighted by an optional alpha buffer and the opacity, exact form
+// only (`exact` is ignored): W = (c * opacity) / 255, or W = opacity when
+// alpha is null; d + ((s - d) * W) / 255 truncated toward zero. 12-bit words
+// are neither shifted nor clamped.
+//
+// blendZero 0 skips the pixels whose source value is 0 (left as they are,
+// even by twoLevel). twoLevel sets each blended result that is not 0 to full
+// scale (255, or 4095 for L12), making the destination a two-level mask;
+// each member says in which modes it does so.
+//
+// Shared-geometry alpha lies at the source pixel's index (stride srcWidth).
+// Own-geometry alpha is read from its own corner with its own stride; it
+// takes no part in clipping and alphaHeight is not read.
+
+// The reference member: twoLevel acts in every mode.
+OSTREL_API void AlphaBlendL08ToL08(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
+                                   unsigned int srcHeight, unsigned int srcLeft,
+                                   unsigned int srcTop, unsigned char *dst, unsigned int dstWidth,
+                                   unsigned int dstHeight, unsigned int dstLeft,
+                                   unsigned int dstTop, unsigned char opacity,
+                                   unsigned char blendZero, bool twoLevel,
+                                   unsigned int regionWidth, unsigned int regionHeight,
+                                   bool exact);
+
+// Own-geometry alpha; twoLevel acts only when alpha is not null.
+OSTREL_API void AlphaBlendL08ToL08(unsigned char *src, unsigned int srcWidth,
+                                   unsigned int srcHeight, unsigned int srcLeft,
+                                   unsigned int srcTop, unsigned char *alpha,
+                                   unsigned int alphaWidth, unsigned int alphaHeight,
+                                   unsigned int alphaLeft, unsigned int alphaTop,
+                                   unsigned char *dst, unsigned int dstWidth,
+                                   unsigned int dstHeight, unsigned int dstLeft,
+                                   unsigned int dstTop, unsigned char opacity,
+                                   unsigned char blendZero, bool twoLevel,
+                                   unsigned int regionWidth, unsigned int regionHeight,
+                                   bool exact);
+
+// Flat alpha: coverage 255 where the alpha byte is not 0, else 0. twoLevel
+// acts only when alpha is not null.
+OSTREL_API void AlphaBlendL08ToL08FlatAlpha(unsigned char *src, unsigned char *alpha,
+                                            unsigned int srcWidth, unsigned int srcHeight,
+                                            unsigned int srcLeft, unsigned int srcTop,
+                                            unsigned char *dst, unsigned int dstWidth,
+                                            unsigned int dstHeight, unsigned int dstLeft,
+                                            unsigned int dstTop, unsigned char opacity,
+                                            unsigned char blendZero, bool twoLevel,
+                                            unsigned int regionWidth, unsigned int regionHeight,
+                                            bool exact);
+
+// Shared-geometry alpha, with two behaviours hosts depend on:
+//  - except with alpha and blendZero 0, the source enters the blend as
+//    s / 255 (integer division): d + ((s / 255 - d) * W) / 255. The zero
+//    test of blendZero 0 is on s itself.
+//  - twoLevel acts only with blendZero not 0, and on the next pixel: after
+//    column x is stored, the word at column x + 1 is set to 4095 when it is
+//    not 0, before it is blended. So each row's last step writes the word
+//    just right of the region, which the caller must allow for.
+OSTREL_API void AlphaBlendL12ToL12(unsigned short *src, unsigned char *alpha,
+                                   unsigned int srcWidth, unsigned int srcHeight,
+                                   unsigned int srcLeft, unsigned int srcTop, unsigned short *dst,
+                                   unsigned int dstWidth, unsigned int dstHeight,
+                                   unsigned int dstLeft, unsigned int dstTop,
+                                   unsigned char opacity, unsigned char blendZero, bool twoLevel,
+                                   unsigned int regionWidth, unsigned int regionHeight,
+                                   bool exact);
+
+// Own-geometry alpha: the plain arithmetic on 16-bit words; twoLevel (to
+// 4095) acts only when alpha is not null.
+OSTREL_API void AlphaBlendL12ToL12(unsigned short *src, unsigned int srcWidth,
+                                   unsigned int srcHeight, unsigned int srcLeft,
+                                   unsigned int srcTop, unsigned char *alpha,
+                                   unsigned int alphaWidth, unsigned int alphaHeight,
+                                   unsigned int alphaLeft, unsigned int alphaTop,
+                                   unsigned short *dst, unsigned int dstWidth,
+                                   unsigned int dstHeight, unsigned int dstLeft,
+                                   unsigned int dstTop, unsigned char opacity,
+                                   unsigned char blendZero, bool twoLevel,
+                                   unsigned int regionWidth, unsigned int regionHeight,
+                                   bool exact);
+
+// Flat alpha, with the scaled source and the next-pixel twoLevel test of the
+// shared-geometry AlphaBlendL12ToL12 (including its write beyond the region).
+OSTREL_API void AlphaBlendL12ToL12FlatAlpha(unsigned short *src, unsigned char *alpha,
+                                            unsigned int srcWidth, unsigned int srcHeight,
+                                            unsigned int srcLeft, unsigned int srcTop,
+                                            unsigned short *dst, unsigned int dstWidth,
+                                            unsigned int dstHeight, unsigned int dstLeft,
+                                            unsigned int dstTop, unsigned char opacity,
+                                            unsigned char blendZero, bool twoLevel,
+                                            unsigned int regionWidth, unsigned int regionHeight,
+                                            bool exact);
+
 #endif  // OSTREL_H

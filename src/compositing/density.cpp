@@ -1,7 +1,7 @@
 // Density blending: one constant grey value laid into a grey buffer through
 // a coverage buffer.
 #include "Ostrel.h"
-#include "compositing/grey_blend_kernels.h"
+#include "compositing/grey_blend.h"
 #include "compositing/trc_blend.h"
 
 namespace ostrel {
@@ -48,6 +48,29 @@ std::uint16_t ExactWord(std::uint16_t d, std::uint32_t target, std::uint32_t wei
 }
 
 }  // namespace
+
+void BlendGreysThroughSharedAlpha(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
+                                  unsigned int srcHeight, unsigned int srcLeft,
+                                  unsigned int srcTop, unsigned char *dst, unsigned int dstWidth,
+                                  unsigned int dstHeight, unsigned int dstLeft,
+                                  unsigned int dstTop, unsigned char opacity,
+                                  unsigned int regionWidth, unsigned int regionHeight,
+                                  const char *caller) {
+  const auto s = MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto a = MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const Extent e = ClipPair(s, d, regionWidth, regionHeight, caller);
+  GreyBlend blend;
+  blend.opacity = opacity;
+  const GreyRowKernel kernel = ActiveGreyBlendKernels().greysByAlpha;
+  for (std::uint32_t j = 0; j < e.rows; ++j) {
+    GreyRow row{d.Row(j), e.columns};
+    row.src = s.Row(j);
+    row.alpha = a.Row(j);
+    kernel(row, blend);
+  }
+}
+
 }  // namespace ostrel
 
 using ostrel::ActiveGreyBlendKernels;
@@ -189,18 +212,7 @@ void AlphaBlendL08WithAlphaBufferToL08(unsigned char *src, unsigned char *alpha,
                                        unsigned int dstTop, unsigned char opacity,
                                        unsigned int regionWidth, unsigned int regionHeight,
                                        bool /*exact*/) {
-  using namespace ostrel;
-  const auto s = MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto a = MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const Extent e = ClipPair(s, d, regionWidth, regionHeight);
-  GreyBlend blend;
-  blend.opacity = opacity;
-  const GreyRowKernel kernel = ActiveGreyBlendKernels().greysByAlpha;
-  for (std::uint32_t j = 0; j < e.rows; ++j) {
-    GreyRow row{d.Row(j), e.columns};
-    row.src = s.Row(j);
-    row.alpha = a.Row(j);
-    kernel(row, blend);
-  }
+  ostrel::BlendGreysThroughSharedAlpha(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst,
+                                       dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth,
+                                       regionHeight, __func__);
 }

@@ -1,0 +1,189 @@
+// Grey-to-grey blending: L08 into L08 and L12 into L12 through an optional
+// alpha buffer, exact form only.
+#include "Ostrel.h"
+#include "compositing/grey_blend.h"
+#include "frame/blend.h"
+#include "frame/region.h"
+
+namespace ostrel {
+namespace {
+
+using blend::ExactChannel;
+using blend::ExactWeight;
+
+// How the pixels of one call are blended.
+struct GreyMode {
+  std::uint32_t opacity;
+  bool blendZero;     // blend source values of 0 too
+  bool flatAlpha;     // coverage 255 where the alpha byte is not 0
+  std::uint32_t full;  // twoLevel: a nonzero result becomes this; 0: no forcing
+};
+
+// Calls row(src, alpha or null, dst, columns) for each row of the region,
+// clipped against source and destination only.
+template <class P, class RowFn>
+void GreyRows(const Plane<P> &s, const Plane<unsigned char> &a, const Plane<P> &d,
+              unsigned int regionWidth, unsigned int regionHeight, const char *caller,
+              RowFn &&row) {
+  const Extent e = ClipPair(s, d, regionWidth, regionHeight, caller);
+  for (std::uint32_t j = 0; j < e.rows; ++j) {
+    row(s.Row(j), a.pixels != nullptr ? a.Row(j) : nullptr, d.Row(j), e.columns);
+  }
+}
+
+std::uint32_t Coverage(const unsigned char *alpha, std::uint32_t i, const GreyMode &m) {
+  if (alpha == nullptr) return m.opacity;
+  const std::uint32_t c = m.flatAlpha ? (alpha[i] != 0 ? 255u : 0u) : alpha[i];
+  return ExactWeight(c, m.opacity);
+}
+
+template <class P>
+void BlendRow(const P *s, const unsigned char *alpha, P *d, std::uint32_t n, const GreyMode &m) {
+  for (std::uint32_t i = 0; i < n; ++i) {
+    if (!m.blendZero && s[i] == 0) continue;
+    const P r = static_cast<P>(ExactChannel(d[i], s[i], Coverage(alpha, i, m)));
+    d[i] = m.full != 0 && r != 0 ? static_cast<P>(m.full) : r;
+  }
+}
+
+// The shared-geometry 12-bit members: the source divided by 255 except with
+// alpha and blendZero 0, and twoLevel (with blendZero only) applied to the
+// word after each one stored, which reaches one word past the row's region.
+void BlendL12SharedRow(const std::uint16_t *s, const unsigned char *alpha, std::uint16_t *d,
+                       std::uint32_t n, const GreyMode &m, bool twoLevel) {
+  const bool scaled = m.blendZero || alpha == nullptr;
+  const bool nextForced = twoLevel && m.blendZero;
+  for (std::uint32_t i = 0; i < n; ++i) {
+    if (!m.blendZero && s[i] == 0) continue;
+    const std::int32_t source = scaled ? s[i] / 255 : s[i];
+    d[i] = static_cast<std::uint16_t>(ExactChannel(d[i], source, Coverage(alpha, i, m)));
+    if (nextForced && d[i + 1] != 0) d[i + 1] = 4095;
+  }
+}
+
+template <class P>
+void BlendShared(P *src, unsigned char *alpha, unsigned int srcWidth, unsigned int srcHeight,
+                 unsigned int srcLeft, unsigned int srcTop, P *dst, unsigned int dstWidth,
+                 unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                 unsigned int regionWidth, unsigned int regionHeight, const GreyMode &m,
+                 const char *caller) {
+  GreyRows(MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
+           MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
+           MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight, caller,
+           [&](const P *s, const unsigned char *a, P *d, std::uint32_t n) { BlendRow(s, a, d, n, m); });
+}
+
+template <class P>
+void BlendOwn(P *src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcLeft,
+              unsigned int srcTop, unsigned char *alpha, unsigned int alphaWidth,
+              unsigned int alphaHeight, unsigned int alphaLeft, unsigned int alphaTop, P *dst,
+              unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+              unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
+              const GreyMode &m, const char *caller) {
+  GreyRows(MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
+           MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop),
+           MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight, caller,
+           [&](const P *s, const unsigned char *a, P *d, std::uint32_t n) { BlendRow(s, a, d, n, m); });
+}
+
+void BlendL12Shared(unsigned short *src, unsigned char *alpha, unsigned int srcWidth,
+                    unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
+                    unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
+                    unsigned int dstLeft, unsigned int dstTop, unsigned int regionWidth,
+                    unsigned int regionHeight, const GreyMode &m, bool twoLevel,
+                    const char *caller) {
+  GreyRows(MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
+           MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
+           MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight, caller,
+           [&](const std::uint16_t *s, const unsigned char *a, std::uint16_t *d, std::uint32_t n) {
+             BlendL12SharedRow(s, a, d, n, m, twoLevel);
+           });
+}
+
+}  // namespace
+}  // namespace ostrel
+
+using ostrel::GreyMode;
+
+void AlphaBlendL08ToL08(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
+                        unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
+                        unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
+                        unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                        unsigned char blendZero, bool twoLevel, unsigned int regionWidth,
+                        unsigned int regionHeight, bool /*exact*/) {
+  using namespace ostrel;
+  if (alpha != nullptr && blendZero != 0 && !twoLevel) {
+    // The common case is the plain blend through the alpha buffer: one kernel.
+    BlendGreysThroughSharedAlpha(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                                 dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
+                                 __func__);
+    return;
+  }
+  const GreyMode m{opacity, blendZero != 0, false, twoLevel ? 255u : 0u};
+  BlendShared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+              dstLeft, dstTop, regionWidth, regionHeight, m, __func__);
+}
+
+void AlphaBlendL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                        unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
+                        unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
+                        unsigned int alphaTop, unsigned char *dst, unsigned int dstWidth,
+                        unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                        unsigned char opacity, unsigned char blendZero, bool twoLevel,
+                        unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
+  const GreyMode m{opacity, blendZero != 0, false, twoLevel && alpha != nullptr ? 255u : 0u};
+  ostrel::BlendOwn(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
+                   alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
+                   regionHeight, m, __func__);
+}
+
+void AlphaBlendL08ToL08FlatAlpha(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
+                                 unsigned int srcHeight, unsigned int srcLeft,
+                                 unsigned int srcTop, unsigned char *dst, unsigned int dstWidth,
+                                 unsigned int dstHeight, unsigned int dstLeft,
+                                 unsigned int dstTop, unsigned char opacity,
+                                 unsigned char blendZero, bool twoLevel,
+                                 unsigned int regionWidth, unsigned int regionHeight,
+                                 bool /*exact*/) {
+  const GreyMode m{opacity, blendZero != 0, true, twoLevel && alpha != nullptr ? 255u : 0u};
+  ostrel::BlendShared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                      dstLeft, dstTop, regionWidth, regionHeight, m, __func__);
+}
+
+void AlphaBlendL12ToL12(unsigned short *src, unsigned char *alpha, unsigned int srcWidth,
+                        unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
+                        unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
+                        unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                        unsigned char blendZero, bool twoLevel, unsigned int regionWidth,
+                        unsigned int regionHeight, bool /*exact*/) {
+  const GreyMode m{opacity, blendZero != 0, false, 0};
+  ostrel::BlendL12Shared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                         dstHeight, dstLeft, dstTop, regionWidth, regionHeight, m, twoLevel,
+                         __func__);
+}
+
+void AlphaBlendL12ToL12(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
+                        unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
+                        unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
+                        unsigned int alphaTop, unsigned short *dst, unsigned int dstWidth,
+                        unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                        unsigned char opacity, unsigned char blendZero, bool twoLevel,
+                        unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
+  const GreyMode m{opacity, blendZero != 0, false, twoLevel && alpha != nullptr ? 4095u : 0u};
+  ostrel::BlendOwn(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
+                   alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
+                   regionHeight, m, __func__);
+}
+
+void AlphaBlendL12ToL12FlatAlpha(unsigned short *src, unsigned char *alpha,
+                                 unsigned int srcWidth, unsigned int srcHeight,
+                                 unsigned int srcLeft, unsigned int srcTop, unsigned short *dst,
+                                 unsigned int dstWidth, unsigned int dstHeight,
+                                 unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                                 unsigned char blendZero, bool twoLevel, unsigned int regionWidth,
+                                 unsigned int regionHeight, bool /*exact*/) {
+  const GreyMode m{opacity, blendZero != 0, true, 0};
+  ostrel::BlendL12Shared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                         dstHeight, dstLeft, dstTop, regionWidth, regionHeight, m, twoLevel,
+                         __func__);
+}
