@@ -980,4 +980,50 @@ OSTREL_API void AlphaBlendL12ToL12FlatAlpha(unsigned short *src, unsigned char *
                                             unsigned int regionWidth, unsigned int regionHeight,
                                             bool exact);
 
+// ===========================================================================
+// Alpha masks and lookup tables
+// ===========================================================================
+// One grey buffer changed in place. The alpha buffer has the buffer's own
+// geometry (same index, same stride). One-buffer clipping.
+
+// Multiplies the buffer by the alpha mask and opacity. Exact form (with
+// `exact`, with flat, or without the fast form): d = (d * W) / 255 with
+// W = (a * opacity) / 255, or with flat W = opacity where a != 0 and 0 where
+// a = 0. Fast form: d = (d * w) >> 8 with w = a at opacity 255, else
+// w = (a * opacity) >> 8 (so a fully covered 255 becomes 254).
+OSTREL_API void ApplyAlphaToL08(unsigned char *buffer, unsigned char *alpha, unsigned int width,
+                                unsigned int height, unsigned int left, unsigned int top,
+                                unsigned char opacity, bool flat, unsigned int regionWidth,
+                                unsigned int regionHeight, bool exact);
+
+// d = (d * ((a * opacity) / 255)) / 255 on the whole 16-bit word. Exact form
+// only: `exact` is ignored.
+OSTREL_API void ApplyAlphaToL12(unsigned short *buffer, unsigned char *alpha, unsigned int width,
+                                unsigned int height, unsigned int left, unsigned int top,
+                                unsigned char opacity, unsigned int regionWidth,
+                                unsigned int regionHeight, bool exact);
+
+// Undoes an applied alpha. flat: pixels with alpha 0 become 255, others stay.
+// Otherwise pixels with alpha 0 or 255 stay; for the others, in double
+// precision, q = d * (255 / a), plus 1 when q - d < 1 (so every such pixel
+// moves up by at least one step), clamped to 0..255 and truncated.
+OSTREL_API void InvertAlphaL08(unsigned char *buffer, unsigned char *alpha, unsigned int width,
+                               unsigned int height, unsigned int left, unsigned int top,
+                               bool flat, unsigned int regionWidth, unsigned int regionHeight);
+
+// Each pixel d becomes table[d] (256 entries).
+OSTREL_API void ApplyLUTToL08(unsigned char *buffer, unsigned int width, unsigned int height,
+                              unsigned int left, unsigned int top, unsigned int regionWidth,
+                              unsigned int regionHeight, unsigned char *table);
+
+// Each word d becomes table[d], indexed by the whole 16-bit word.
+OSTREL_API void ApplyLUTToL12(unsigned short *buffer, unsigned int width, unsigned int height,
+                              unsigned int left, unsigned int top, unsigned int regionWidth,
+                              unsigned int regionHeight, unsigned short *table);
+
+// For a run of count elements: those whose alpha byte is not 255 become 0,
+// the others keep their value. Nothing happens when alpha is null.
+OSTREL_API void PostApplyAlpha(unsigned char *alpha, unsigned char *buffer, unsigned int count);
+OSTREL_API void PostApplyAlpha(unsigned char *alpha, unsigned short *buffer, unsigned int count);
+
 #endif  // OSTREL_H

@@ -1,0 +1,103 @@
+// Alpha masks and lookup tables: ApplyAlphaToL08 in every path against a
+// per-pixel model on clipped random buffers, and hand-computed values of the
+// other members.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+#include <vector>
+
+#include "Ostrel.h"
+#include "grey_test_util.h"
+
+namespace {
+
+using namespace grey_test;
+
+TEST(AlphaTables, ApplyAlphaToL08MatchesModelInEveryPath) {
+  std::mt19937 rng(3);
+  for (int round = 0; round < 320; ++round) {
+    const bool flat = round % 2, exact = round / 2 % 2, flag = round / 4 % 2;
+    const u8 opacity = round / 8 % 2 ? 255 : u8(TurnByte(rng));
+    const u32 w = 9 + rng() % 5, h = 5, l = rng() % 6, t = rng() % 4, rw = rng() % 12, rh = rng() % 6;
+    auto buf = Random<u8>(w * h, [&] { return TurnByte(rng); });
+    const auto alpha = Random<u8>(w * h, [&] { return TurnByte(rng); });
+    auto want = buf;
+    const bool fast = !exact && flag && !flat;
+    for (u32 j = t; j < std::min(h, t + rh); ++j) {
+      for (u32 i = l; i < std::min(w, l + rw); ++i) {
+        const int a = alpha[j * w + i];
+        u8 &d = want[j * w + i];
+        if (fast) d = u8(d * (opacity == 255 ? a : a * opacity / 256) / 256);
+        else d = u8(d * (flat ? (a ? opacity : 0) : a * opacity / 255) / 255);
+      }
+    }
+    FastFlag f(flag);
+    ApplyAlphaToL08(buf.data(), const_cast<u8 *>(alpha.data()), w, h, l, t, opacity, flat, rw, rh, exact);
+    ASSERT_EQ(buf, want) << "round " << round << ", flat " << flat << ", exact " << exact << ", flag " << flag;
+  }
+}
+
+TEST(AlphaTables, HandComputedPixels) {
+  FastFlag f(1);
+  auto l08 = [&](const char *what, u8 a, u8 d, u8 o, bool flat, bool exact, u8 want) {
+    u8 buf = d;
+    ApplyAlphaToL08(&buf, &a, 1, 1, 0, 0, o, flat, 1, 1, exact);
+    EXPECT_EQ(buf, want) << what;
+  };
+  l08("exact, full cover", 255, 255, 255, false, true, 255);
+  l08("fast, full cover", 255, 255, 255, false, false, 254);
+  l08("flat, covered", 1, 200, 255, true, false, 200);
+  l08("flat, uncovered", 0, 200, 255, true, false, 0);
+
+  auto invert = [&](u8 a, u8 d, bool flat, u8 want) {
+    u8 buf = d;
+    InvertAlphaL08(&buf, &a, 1, 1, 0, 0, flat, 1, 1);
+    EXPECT_EQ(buf, want) << "InvertAlphaL08 a " << int(a) << ", d " << int(d) << ", flat " << flat;
+  };
+  invert(128, 64, false, 127);  // 127.5
+  invert(128, 0, false, 1);     // the added step
+  invert(254, 100, false, 101); // 100.39 rises by less than one: +1
+  invert(128, 200, false, 255);
+  invert(255, 9, false, 9);
+  invert(0, 9, false, 9);
+  invert(0, 9, true, 255);
+  invert(3, 9, true, 9);
+
+  u16 word = 4000;
+  u8 a = 128;
+  ApplyAlphaToL12(&word, &a, 1, 1, 0, 0, 200, 1, 1, false);
+  EXPECT_EQ(word, 4000 * (128 * 200 / 255) / 255);
+  word = 60000, a = 255;
+  ApplyAlphaToL12(&word, &a, 1, 1, 0, 0, 255, 1, 1, false);
+  EXPECT_EQ(word, 60000);
+}
+
+TEST(AlphaTables, LookupTablesMapOnlyTheRegion) {
+  std::vector<u8> table(256);
+  std::iota(table.begin(), table.end(), 0);
+  std::reverse(table.begin(), table.end());
+  std::vector<u8> buf = {1, 2, 3, 4, 5, 6};  // 3x2, region (1, 1) 5x5
+  ApplyLUTToL08(buf.data(), 3, 2, 1, 1, 5, 5, table.data());
+  EXPECT_EQ(buf, (std::vector<u8>{1, 2, 3, 4, 250, 249}));
+
+  std::vector<u16> table12(65536);
+  for (u32 i = 0; i < table12.size(); ++i) table12[i] = u16(i * 3);
+  std::vector<u16> words = {4095, 65535, 7};
+  ApplyLUTToL12(words.data(), 3, 1, 0, 0, 2, 1, table12.data());
+  EXPECT_EQ(words, (std::vector<u16>{u16(4095 * 3), u16(65535 * 3), 7}));
+}
+
+TEST(AlphaTables, PostApplyAlphaKeepsOnlyFullCover) {
+  u8 alpha[] = {255, 254, 0, 255};
+  u8 bytes[] = {9, 9, 9, 9};
+  u16 words[] = {4095, 4095, 4095, 4095};
+  PostApplyAlpha(alpha, bytes, 3);
+  PostApplyAlpha(alpha, words, 4);
+  EXPECT_EQ(std::vector<u8>(bytes, bytes + 4), (std::vector<u8>{9, 0, 0, 9}));
+  EXPECT_EQ(std::vector<u16>(words, words + 4), (std::vector<u16>{4095, 0, 0, 4095}));
+  PostApplyAlpha(nullptr, bytes, 4);
+  EXPECT_EQ(bytes[0], 9);
+}
+
+}  // namespace
