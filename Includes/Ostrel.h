@@ -1026,4 +1026,98 @@ OSTREL_API void ApplyLUTToL12(unsigned short *buffer, unsigned int width, unsign
 OSTREL_API void PostApplyAlpha(unsigned char *alpha, unsigned char *buffer, unsigned int count);
 OSTREL_API void PostApplyAlpha(unsigned char *alpha, unsigned short *buffer, unsigned int count);
 
+// ===========================================================================
+// Marking and level conversion
+// ===========================================================================
+// Grey buffers turned into two-level masks or narrowed to 8 bits, and marks
+// laid over a TRC view: selected grey values, the background that no mask
+// covers, values outside a pair of limits, the outline of a mask. One- and
+// two-buffer clipping as for the blends; no `exact` flag.
+
+// Source 0 gives 0, anything else 255; in place or from src to dst.
+OSTREL_API void ConvertL08To2LevelL08(unsigned char *buffer, unsigned int width,
+                                      unsigned int height, unsigned int left, unsigned int top,
+                                      unsigned int regionWidth, unsigned int regionHeight);
+OSTREL_API void ConvertL08To2LevelL08(unsigned char *src, unsigned int srcWidth,
+                                      unsigned int srcHeight, unsigned int srcLeft,
+                                      unsigned int srcTop, unsigned char *dst,
+                                      unsigned int dstWidth, unsigned int dstHeight,
+                                      unsigned int dstLeft, unsigned int dstTop,
+                                      unsigned int regionWidth, unsigned int regionHeight);
+
+// Note the two forms differ: in place a nonzero word becomes 255, from src to
+// dst it becomes 4095. Hosts rely on both.
+OSTREL_API void ConvertL12To2LevelL12(unsigned short *buffer, unsigned int width,
+                                      unsigned int height, unsigned int left, unsigned int top,
+                                      unsigned int regionWidth, unsigned int regionHeight);
+OSTREL_API void ConvertL12To2LevelL12(unsigned short *src, unsigned int srcWidth,
+                                      unsigned int srcHeight, unsigned int srcLeft,
+                                      unsigned int srcTop, unsigned short *dst,
+                                      unsigned int dstWidth, unsigned int dstHeight,
+                                      unsigned int dstLeft, unsigned int dstTop,
+                                      unsigned int regionWidth, unsigned int regionHeight);
+
+// A 12-bit word 0 gives 0, anything else 255.
+OSTREL_API void ConvertL12To2LevelL08(unsigned short *src, unsigned int srcWidth,
+                                      unsigned int srcHeight, unsigned int srcLeft,
+                                      unsigned int srcTop, unsigned char *dst,
+                                      unsigned int dstWidth, unsigned int dstHeight,
+                                      unsigned int dstLeft, unsigned int dstTop,
+                                      unsigned int regionWidth, unsigned int regionHeight);
+
+// The low byte of (word >> 4): bits above bit 11 wrap into the result.
+OSTREL_API void ConvertL012ToL08(unsigned short *src, unsigned int srcWidth,
+                                 unsigned int srcHeight, unsigned int srcLeft,
+                                 unsigned int srcTop, unsigned char *dst, unsigned int dstWidth,
+                                 unsigned int dstHeight, unsigned int dstLeft,
+                                 unsigned int dstTop, unsigned int regionWidth,
+                                 unsigned int regionHeight);
+
+// Where selected[g] (256 entries) holds for the source grey g, blue, green
+// and red of the destination move toward the colour's by
+// d + ((k - d) * opacity) / 255; alpha is kept.
+OSTREL_API void MarkL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                             unsigned int srcLeft, unsigned int srcTop, bool *selected,
+                             unsigned int colour, unsigned char opacity, unsigned int *dst,
+                             unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                             unsigned int dstTop, unsigned int regionWidth,
+                             unsigned int regionHeight);
+
+// Marks, as MarkL08ToTRC does, the destination pixels where none of the
+// masks masks[maskIndices[k]], k < maskCount, is nonzero. The masks share
+// one geometry, which is clipped as the source.
+OSTREL_API void MarkBG(unsigned char **masks, int *maskIndices, int maskCount,
+                       unsigned int maskWidth, unsigned int maskHeight, unsigned int maskLeft,
+                       unsigned int maskTop, unsigned int colour, unsigned char opacity,
+                       unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
+                       unsigned int dstLeft, unsigned int dstTop, unsigned int regionWidth,
+                       unsigned int regionHeight);
+
+// Source v: 0 leaves the pixel; v < low sets its alpha byte to 0x80; else
+// v > high sets it to 0x40; otherwise it is left. Blue, green and red stay.
+OSTREL_API void MarkL08LimitsToTRCHighBit(unsigned char *src, unsigned int srcWidth,
+                                          unsigned int srcHeight, unsigned int srcLeft,
+                                          unsigned int srcTop, unsigned char low,
+                                          unsigned char high, unsigned int *dst,
+                                          unsigned int dstWidth, unsigned int dstHeight,
+                                          unsigned int dstLeft, unsigned int dstTop,
+                                          unsigned int regionWidth, unsigned int regionHeight);
+
+// Writes colour (all 32 bits) on the outline of the nonzero areas of the
+// source. The source region includes a one-pixel border: source pixel
+// (srcLeft + 1 + i, srcTop + 1 + j) pairs with destination pixel
+// (dstLeft + i, dstTop + j). Clipping: columns = min(dstWidth + 2, srcRight -
+// srcLeft + dstLeft) - dstLeft with srcRight = min(srcWidth, srcLeft +
+// regionWidth), rows likewise; columns - 2 by rows - 2 pixels are visited,
+// none when rows is 2. A clipped size below 2 is the caller's error. Left
+// and right edges of each run and its pixels with a zero above or below are
+// coloured; a run that reaches the end of the row is not closed.
+OSTREL_API void DrawContourOfL08toTRC(unsigned char *src, unsigned int srcWidth,
+                                      unsigned int srcHeight, unsigned int srcLeft,
+                                      unsigned int srcTop, unsigned int *dst,
+                                      unsigned int dstWidth, unsigned int dstHeight,
+                                      unsigned int dstLeft, unsigned int dstTop,
+                                      unsigned int regionWidth, unsigned int regionHeight,
+                                      unsigned int colour);
+
 #endif  // OSTREL_H

@@ -1,0 +1,194 @@
+// Marking and level conversion: two-level masks, 12-bit to 8-bit grey, and
+// marks over a TRC view.
+#include "Ostrel.h"
+#include "frame/blend.h"
+#include "frame/region.h"
+
+namespace ostrel {
+namespace {
+
+// Sets each pixel of the clipped two-buffer region to convert(source value).
+template <class S, class D, class Convert>
+void ConvertRegion(S *src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcLeft,
+                   unsigned int srcTop, D *dst, unsigned int dstWidth, unsigned int dstHeight,
+                   unsigned int dstLeft, unsigned int dstTop, unsigned int regionWidth,
+                   unsigned int regionHeight, const char *caller, Convert &&convert) {
+  const auto s = MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  ForEachRowPair(s, d, ClipPair(s, d, regionWidth, regionHeight, caller),
+                 [&](const S *in, D *out, std::uint32_t n) {
+                   for (std::uint32_t i = 0; i < n; ++i) out[i] = convert(in[i]);
+                 });
+}
+
+template <class P>
+void ToTwoLevelInPlace(P *buffer, unsigned int width, unsigned int height, unsigned int left,
+                       unsigned int top, unsigned int regionWidth, unsigned int regionHeight,
+                       const char *caller) {
+  const auto b = MakePlane(buffer, width, height, left, top);
+  ForEachRow(b, ClipSingle(b, regionWidth, regionHeight, caller), [](P *row, std::uint32_t n) {
+    for (std::uint32_t i = 0; i < n; ++i) row[i] = row[i] != 0 ? 255 : 0;
+  });
+}
+
+}  // namespace
+}  // namespace ostrel
+
+void ConvertL08To2LevelL08(unsigned char *buffer, unsigned int width, unsigned int height,
+                           unsigned int left, unsigned int top, unsigned int regionWidth,
+                           unsigned int regionHeight) {
+  ostrel::ToTwoLevelInPlace(buffer, width, height, left, top, regionWidth, regionHeight, __func__);
+}
+
+void ConvertL08To2LevelL08(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                           unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
+                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                           unsigned int dstTop, unsigned int regionWidth,
+                           unsigned int regionHeight) {
+  ostrel::ConvertRegion(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                        dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                        [](unsigned char v) { return static_cast<unsigned char>(v != 0 ? 255 : 0); });
+}
+
+// In place the full scale is 255, as in the 8-bit form.
+void ConvertL12To2LevelL12(unsigned short *buffer, unsigned int width, unsigned int height,
+                           unsigned int left, unsigned int top, unsigned int regionWidth,
+                           unsigned int regionHeight) {
+  ostrel::ToTwoLevelInPlace(buffer, width, height, left, top, regionWidth, regionHeight, __func__);
+}
+
+void ConvertL12To2LevelL12(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
+                           unsigned int srcLeft, unsigned int srcTop, unsigned short *dst,
+                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                           unsigned int dstTop, unsigned int regionWidth,
+                           unsigned int regionHeight) {
+  ostrel::ConvertRegion(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                        dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                        [](unsigned short v) { return static_cast<unsigned short>(v != 0 ? 4095 : 0); });
+}
+
+void ConvertL12To2LevelL08(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
+                           unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
+                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                           unsigned int dstTop, unsigned int regionWidth,
+                           unsigned int regionHeight) {
+  ostrel::ConvertRegion(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                        dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                        [](unsigned short v) { return static_cast<unsigned char>(v != 0 ? 255 : 0); });
+}
+
+void ConvertL012ToL08(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
+                      unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
+                      unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                      unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight) {
+  ostrel::ConvertRegion(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                        dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                        [](unsigned short v) { return static_cast<unsigned char>(v >> 4); });
+}
+
+void MarkL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                  unsigned int srcLeft, unsigned int srcTop, bool *selected, unsigned int colour,
+                  unsigned char opacity, unsigned int *dst, unsigned int dstWidth,
+                  unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                  unsigned int regionWidth, unsigned int regionHeight) {
+  using namespace ostrel;
+  const auto s = MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  ForEachRowPair(s, d, ClipPair(s, d, regionWidth, regionHeight),
+                 [&](const unsigned char *in, unsigned int *out, std::uint32_t n) {
+                   for (std::uint32_t i = 0; i < n; ++i) {
+                     if (selected[in[i]]) out[i] = blend::ExactPixel(out[i], colour, opacity);
+                   }
+                 });
+}
+
+void MarkBG(unsigned char **masks, int *maskIndices, int maskCount, unsigned int maskWidth,
+            unsigned int maskHeight, unsigned int maskLeft, unsigned int maskTop,
+            unsigned int colour, unsigned char opacity, unsigned int *dst, unsigned int dstWidth,
+            unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+            unsigned int regionWidth, unsigned int regionHeight) {
+  using namespace ostrel;
+  // The masks' geometry, as offsets into any one of them.
+  const auto m = MakePlane<unsigned char>(nullptr, maskWidth, maskHeight, maskLeft, maskTop);
+  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const Extent e = ClipPair(m, d, regionWidth, regionHeight);
+  for (std::uint32_t j = 0; j < e.rows; ++j) {
+    const std::size_t rowStart = (static_cast<std::size_t>(maskTop) + j) * maskWidth + maskLeft;
+    unsigned int *out = d.Row(j);
+    for (std::uint32_t i = 0; i < e.columns; ++i) {
+      bool covered = false;
+      for (int k = 0; k < maskCount && !covered; ++k) covered = masks[maskIndices[k]][rowStart + i] != 0;
+      if (!covered) out[i] = blend::ExactPixel(out[i], colour, opacity);
+    }
+  }
+}
+
+void MarkL08LimitsToTRCHighBit(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                               unsigned int srcLeft, unsigned int srcTop, unsigned char low,
+                               unsigned char high, unsigned int *dst, unsigned int dstWidth,
+                               unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                               unsigned int regionWidth, unsigned int regionHeight) {
+  using namespace ostrel;
+  const auto s = MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  ForEachRowPair(s, d, ClipPair(s, d, regionWidth, regionHeight),
+                 [&](const unsigned char *in, unsigned int *out, std::uint32_t n) {
+                   for (std::uint32_t i = 0; i < n; ++i) {
+                     const unsigned char v = in[i];
+                     if (v == 0) continue;
+                     if (v < low) {
+                       out[i] = (out[i] & 0x00FFFFFFu) | 0x80000000u;
+                     } else if (v > high) {
+                       out[i] = (out[i] & 0x00FFFFFFu) | 0x40000000u;
+                     }
+                   }
+                 });
+}
+
+void DrawContourOfL08toTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                           unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
+                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                           unsigned int dstTop, unsigned int regionWidth,
+                           unsigned int regionHeight, unsigned int colour) {
+  using ostrel::MinU32;
+  OSTREL_EXPECT(__func__, srcLeft <= srcWidth && srcTop <= srcHeight);
+  OSTREL_EXPECT(__func__, dstLeft <= dstWidth && dstTop <= dstHeight);
+  // The source region carries a one-pixel border round the drawn area, so
+  // the destination may be two pixels narrower and lower than it.
+  const std::uint32_t srcRight = MinU32(srcWidth, srcLeft + regionWidth);
+  const std::uint32_t columns = MinU32(dstWidth + 2, srcRight - srcLeft + dstLeft) - dstLeft;
+  const std::uint32_t srcBottom = MinU32(srcHeight, srcTop + regionHeight);
+  const std::uint32_t rows = MinU32(dstHeight + 2, srcBottom - srcTop + dstTop) - dstTop;
+  OSTREL_EXPECT(__func__, rows >= 2);
+  if (rows - 2 == 0) return;
+  OSTREL_EXPECT(__func__, columns >= 2);
+  const std::uint32_t inner = columns - 2;
+  for (std::uint32_t j = 0; j < rows - 2; ++j) {
+    // The source row of the drawn row j starts at its left border pixel.
+    const unsigned char *s = src + (static_cast<std::size_t>(srcTop) + 1 + j) * srcWidth + srcLeft;
+    const unsigned char *above = s - srcWidth;
+    const unsigned char *below = s + srcWidth;
+    unsigned int *out = dst + (static_cast<std::size_t>(dstTop) + j) * dstWidth + dstLeft;
+    bool inside = s[0] != 0;
+    for (std::uint32_t i = 0; i < inner;) {
+      const std::uint32_t x = i + 1;  // source column of drawn column i
+      if (!inside) {
+        if (s[x] == 0) {
+          ++i;
+        } else {
+          out[i] = colour;  // left edge
+          inside = true;
+        }
+      } else if (s[x] != 0) {
+        if (above[x] == 0 || below[x] == 0) out[i] = colour;  // top or bottom edge
+        ++i;
+      } else {
+        // Right edge: the pixel before this one, which for the first pixel of
+        // a row is the border's, at dstLeft - 1 (written when that column is
+        // in the destination buffer's row).
+        if (i > 0 || dstLeft > 0) out[static_cast<std::ptrdiff_t>(i) - 1] = colour;
+        inside = false;
+      }
+    }
+  }
+}
