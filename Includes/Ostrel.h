@@ -1120,4 +1120,235 @@ OSTREL_API void DrawContourOfL08toTRC(unsigned char *src, unsigned int srcWidth,
                                       unsigned int regionWidth, unsigned int regionHeight,
                                       unsigned int colour);
 
+// ===========================================================================
+// Binary objects and masks
+// ===========================================================================
+
+// Masks are unsigned char buffers (L08), label buffers int buffers; both are
+// addressed like every buffer here (row stride = width), with signed int
+// geometry. Fill, ColorBinaryObjects, FollowContour and
+// MultiObjectFeatureExtract are function templates exported for exactly two
+// element types, unsigned char and int; pixel values are compared for
+// equality in the element type.
+//
+// Regions are clamped into the buffer rather than clipped: left into
+// 0 .. width-1, top into 0 .. height-1, regionWidth into 0 .. width-1-left,
+// regionHeight into 0 .. height-1-top. As sizes these never reach the
+// buffer's last column or last row, so a scan never visits them.
+
+// The platform's point record: x, then y.
+struct CPoint {
+  int x;
+  int y;
+};
+
+// ---- Flood fill and object colouring ---------------------------------------
+
+// Recolours with fillValue the 4-connected region of pixels that equal the
+// seed pixel's value. The seed is first moved into the buffer (a coordinate
+// below 0 becomes 0, one past the buffer its last column or row); the region
+// is clamped as above and then bounds the walk inclusively: columns left ..
+// left + regionWidth and rows top .. top + regionHeight, one more of each
+// than the sizes suggest (as far as the buffer reaches). A seed outside
+// those limits is filled too, and from it the walk steps only toward them.
+//
+// *changedCount (if not null) becomes one more than the number of pixels
+// rewritten: an isolated seed gives 2. A fillValue equal to the seed's value
+// rewrites nothing and leaves *changedCount at 1 (the checked build reports
+// it as a caller error). Returns 0.
+template <typename T>
+int Fill(T *buffer, int width, int height, int seedX, int seedY, int left, int top,
+         int regionWidth, int regionHeight, T fillValue, int *changedCount);
+extern template OSTREL_API int Fill<unsigned char>(unsigned char *buffer, int width, int height,
+                                                   int seedX, int seedY, int left, int top,
+                                                   int regionWidth, int regionHeight,
+                                                   unsigned char fillValue, int *changedCount);
+extern template OSTREL_API int Fill<int>(int *buffer, int width, int height, int seedX,
+                                         int seedY, int left, int top, int regionWidth,
+                                         int regionHeight, int fillValue, int *changedCount);
+
+// Gives every object (4-connected region of objectValue) in the clamped
+// region its own label, in raster order of the objects' first pixels, by one
+// Fill per object seeded there (so an object is filled within Fill's
+// inclusive limits, also in the unscanned last column and row). Returns the
+// number of objects labelled.
+//
+// Labels start at firstLabel and step by +1 (ascending) or -1. The scan
+// stops as soon as the next label equals endLabel (ascending) or 1
+// (descending). The unsigned char form wraps its label modulo 256 (an
+// endLabel above 255 never stops it); the int form wraps in 32 bits. A label
+// equal to objectValue or backgroundValue is used up without a fill; the
+// pixel that met it is then read again one column further on while the fill
+// column stays behind: after k such skips in a row, the test reads column
+// left + c + k and a fill is seeded at column left + c (up to k pixels past
+// the row's end). The read position is realigned at each row.
+template <typename T>
+int ColorBinaryObjects(T *buffer, int width, int height, int left, int top, int regionWidth,
+                       int regionHeight, T backgroundValue, T objectValue, T firstLabel,
+                       bool ascending, int endLabel);
+extern template OSTREL_API int ColorBinaryObjects<unsigned char>(
+    unsigned char *buffer, int width, int height, int left, int top, int regionWidth,
+    int regionHeight, unsigned char backgroundValue, unsigned char objectValue,
+    unsigned char firstLabel, bool ascending, int endLabel);
+extern template OSTREL_API int ColorBinaryObjects<int>(int *buffer, int width, int height,
+                                                       int left, int top, int regionWidth,
+                                                       int regionHeight, int backgroundValue,
+                                                       int objectValue, int firstLabel,
+                                                       bool ascending, int endLabel);
+
+// ---- Contour following -----------------------------------------------------
+
+// Walks the outer boundary of the 8-connected object of objectValue that
+// holds *start (a pixel inside buffer), clockwise on screen, and returns its
+// length: 1 per axis step, sqrt(2) per diagonal step. The search for each
+// step begins one direction clockwise past the pixel just left (the first
+// search begins to the right). The walk stops
+//   - when all eight neighbours of the start differ (length 0, no point),
+//   - on re-entering the start pixel,
+//   - on stepping out of the region (half-open: left .. left+regionWidth-1,
+//     top .. top+regionHeight-1; only the pixel moved to is tested),
+//   - when the length so far exceeds regionWidth * regionHeight;
+// the step that stops it is not counted. If points is given, each pixel
+// left (the start first, not repeated at the end) is stored and counted in
+// *pointCount; without points *pointCount becomes 0. Room for
+// regionWidth * regionHeight + 2 points suffices.
+//
+// Neighbours are read without bounds tests: every pixel of the walk needs
+// its eight neighbours inside the buffer. height is not used.
+template <typename T>
+double FollowContour(T *buffer, T *start, int width, int height, int left, int top,
+                     int regionWidth, int regionHeight, T objectValue, CPoint *points,
+                     int *pointCount);
+extern template OSTREL_API double FollowContour<unsigned char>(
+    unsigned char *buffer, unsigned char *start, int width, int height, int left, int top,
+    int regionWidth, int regionHeight, unsigned char objectValue, CPoint *points,
+    int *pointCount);
+extern template OSTREL_API double FollowContour<int>(int *buffer, int *start, int width,
+                                                     int height, int left, int top,
+                                                     int regionWidth, int regionHeight,
+                                                     int objectValue, CPoint *points,
+                                                     int *pointCount);
+
+// ---- Multi-object feature extraction ---------------------------------------
+
+// What MultiObjectFeatureExtract measures, as a combination of bits:
+//   eFeatureBasic                                   pixel count, perimeter,
+//                                                   roundness (always measured)
+//   eFeatureBasic | eFeatureCentroid                 also the centroid
+//   eFeatureBasic | eFeatureCentroid | eFeatureOrientation  also the orientation
+//   eFeatureBasic | eFeatureHistogram                also the histogram
+// Without eFeatureBasic the centroid and histogram are left untouched; with
+// it but without eFeatureCentroid the centroid is set to (0, 0). The
+// orientation is set to 0 whenever it is not measured.
+enum EFeaturesNeeded : int {
+  eFeatureBasic = 1,
+  eFeatureCentroid = 2,
+  eFeatureOrientation = 4,
+  eFeatureHistogram = 32
+};
+
+// One object's measurements. The layout is the same in 32- and 64-bit
+// builds: 1104 bytes, the doubles at offset 8.
+struct SFeature {
+  int pixelCount;      // object pixels found in the region
+  int padding;         // keeps the doubles 8-byte aligned; not written
+  double centroidX;    // mean of column + 0.5, in buffer coordinates
+  double centroidY;    // mean of row + 0.5, in buffer coordinates
+  double orientation;  // main direction in radians, -pi <= value < pi
+  double perimeter;    // FollowContour's length from the first pixel
+  double roundness;    // perimeter / (2 pi sqrt(pixelCount / pi)); 1 for a disc
+  int histogram[256];  // values of the second buffer under the object
+  unsigned char reserved[32];  // for the host; not read or written
+};
+
+// Builds the module-wide angle tables that the orientation needs, for
+// angleSteps bins per full turn (N = angleSteps rounded half up). marker must
+// not be 0. Returns 0, or -1 when the tables exist already (they are kept)
+// or cannot be allocated (then the tables stay empty, and further calls
+// return -1 until ReleaseFeatureTables). Not thread-safe: initialisation,
+// release and extractions that measure the orientation must not overlap.
+OSTREL_API int InitFeatureTables(int marker, double angleSteps);
+
+// Frees the angle tables. Returns 0.
+OSTREL_API int ReleaseFeatureTables();
+
+// Measures the objects labelled firstLabel .. firstLabel + objectCount - 1 in
+// the clamped region of labels (values: a buffer of the same geometry whose
+// values, 0 .. 255, make the histograms) into features[0 .. objectCount-1].
+// The perimeter is traced from each object's first pixel in raster order.
+// The orientation is the start of the heaviest window of N/5 angle bins,
+// each pixel weighted by its squared distance from the centroid; its offsets
+// are taken with the region's column and row against the centroid in buffer
+// coordinates, so a region away from the origin shifts them by left and top.
+//
+// The Escape key is polled before every pixel of each pass (Windows:
+// GetAsyncKeyState; elsewhere the query of SetKeyStateQuery): when it
+// reports, *aborted becomes 1 and -1 is returned, the records filled so far
+// keeping what they have. Returns 0, or -1 also for null features or when
+// the suite's memory manager (VornelMemMgr.h), which supplies the
+// temporaries, has none to give. objectCount 0 or less measures nothing.
+template <typename T>
+int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int top,
+                              int regionWidth, int regionHeight, T *values, T firstLabel,
+                              int objectCount, SFeature *features, EFeaturesNeeded needed,
+                              unsigned char *aborted);
+extern template OSTREL_API int MultiObjectFeatureExtract<unsigned char>(
+    unsigned char *labels, int width, int height, int left, int top, int regionWidth,
+    int regionHeight, unsigned char *values, unsigned char firstLabel, int objectCount,
+    SFeature *features, EFeaturesNeeded needed, unsigned char *aborted);
+extern template OSTREL_API int MultiObjectFeatureExtract<int>(
+    int *labels, int width, int height, int left, int top, int regionWidth, int regionHeight,
+    int *values, int firstLabel, int objectCount, SFeature *features, EFeaturesNeeded needed,
+    unsigned char *aborted);
+
+// Whether a key is down or was pressed since the last query, for the virtual
+// key code given (Escape is 27): nonzero for yes.
+using OstrelKeyStateQuery = int (*)(int virtualKey);
+
+// Installs query (null: none) as the key query of the Escape polls and
+// returns the one installed before. Without one, Windows asks
+// GetAsyncKeyState and other systems report no key.
+OSTREL_API OstrelKeyStateQuery SetKeyStateQuery(OstrelKeyStateQuery query);
+
+// Interpolates a table of count percentages given for values 0, 100, 200,
+// ...: table[0] / 100 at or below 0, table[count-1] / 100 at or beyond the
+// last step, linear in between, in single precision.
+OSTREL_API float GetInterpolatedOverlayFactor(int value, double *table, int count);
+
+// ---- Mask frames -----------------------------------------------------------
+
+// Source and destination are whole width x height L08 buffers. A boundary
+// pixel is a non-zero source pixel with a zero axis neighbour (for the down
+// frame: a zero pixel with a non-zero axis neighbour). Only pixels at least
+// frameWidth from every edge are tested, and round each boundary pixel the
+// destination pixels whose table distance d is at most frameWidth are
+// raised or (down frame) zeroed; nothing else is written. Needs
+// 1 <= frameWidth <= R and width, height > 2 * frameWidth.
+
+// A new (2R+1) x (2R+1) table, rows dy = -R .. R, columns dx = -R .. R, of
+// sqrt(dx*dx + dy*dy) rounded half up. Release it with delete[].
+OSTREL_API int *CreateDistTableForSoftFrame(unsigned int R);
+
+// Raises the destination to v = ((frameWidth + 1 - d) * s) / frameWidth, cut
+// to its low 8 bits, with s the boundary pixel's value: s at distance 1,
+// falling to s / frameWidth at frameWidth. At distance 0 the value can pass
+// 255 and wraps (255 with frameWidth 10 gives 280, so 24).
+OSTREL_API void SoftFrameL08toL08(unsigned char *src, unsigned char *dst, unsigned int width,
+                                  unsigned int height, int *distTable, unsigned int R,
+                                  unsigned int frameWidth);
+
+// Raises the destination to the boundary pixel's value, or sets it to 255
+// when fullValue is true. With frameWidth 1 the whole 3 x 3 square round the
+// pixel is written whatever the table holds.
+OSTREL_API void HardFrameL08toL08(unsigned char *src, unsigned char *dst, unsigned int width,
+                                  unsigned int height, int *distTable, unsigned int R,
+                                  unsigned int frameWidth, bool fullValue);
+
+// Zeroes the destination round every zero source pixel that touches an
+// object, cutting a band into the objects. With frameWidth 1 the whole
+// 3 x 3 square is zeroed whatever the table holds.
+OSTREL_API void HardFrameDownL08toL08(unsigned char *src, unsigned char *dst,
+                                      unsigned int width, unsigned int height, int *distTable,
+                                      unsigned int R, unsigned int frameWidth);
+
 #endif  // OSTREL_H

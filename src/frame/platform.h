@@ -52,6 +52,16 @@ void RunRuntimeInvalidParameterHandler();
 // the release build keeps that behaviour without dividing by zero.
 [[noreturn]] void RaiseIntegerDivideFault();
 
+// ---- Key polls ---------------------------------------------------------------
+// Virtual key code of the Escape key.
+const int kVirtualKeyEscape = 0x1B;
+
+// True when the key is down or was pressed since the last poll. The query the
+// host installed with SetKeyStateQuery (Ostrel.h) answers if there is one;
+// otherwise GetAsyncKeyState on Windows, and elsewhere no key is ever
+// reported.
+bool KeyPressed(int virtualKey);
+
 }  // namespace platform
 }  // namespace ostrel
 

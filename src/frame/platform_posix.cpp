@@ -2,6 +2,9 @@
 #include "frame/cpu_features.h"
 #include "frame/platform.h"
 
+#include "Ostrel.h"
+
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 
@@ -29,5 +32,18 @@ void RaiseIntegerDivideFault() {
   std::abort();  // SIGFPE was ignored or its handler returned
 }
 
+namespace {
+std::atomic<OstrelKeyStateQuery> g_keyStateQuery{nullptr};
+}  // namespace
+
+bool KeyPressed(int virtualKey) {
+  if (const OstrelKeyStateQuery query = g_keyStateQuery.load()) return query(virtualKey) != 0;
+  return false;
+}
+
 }  // namespace platform
 }  // namespace ostrel
+
+OstrelKeyStateQuery SetKeyStateQuery(OstrelKeyStateQuery query) {
+  return ostrel::platform::g_keyStateQuery.exchange(query);
+}

@@ -1,11 +1,14 @@
 // The platform layer on Windows: the system's own calls.
 #include "frame/platform.h"
 
+#include "Ostrel.h"
+
 #ifndef WIN32_LEAN_AND_MEAN
 #define WIN32_LEAN_AND_MEAN
 #endif
 #include <windows.h>
 
+#include <atomic>
 #include <cstdlib>
 
 #include <stdlib.h>
@@ -28,5 +31,18 @@ void RaiseIntegerDivideFault() {
   std::abort();
 }
 
+namespace {
+std::atomic<OstrelKeyStateQuery> g_keyStateQuery{nullptr};
+}  // namespace
+
+bool KeyPressed(int virtualKey) {
+  if (const OstrelKeyStateQuery query = g_keyStateQuery.load()) return query(virtualKey) != 0;
+  return GetAsyncKeyState(virtualKey) != 0;
+}
+
 }  // namespace platform
 }  // namespace ostrel
+
+OstrelKeyStateQuery SetKeyStateQuery(OstrelKeyStateQuery query) {
+  return ostrel::platform::g_keyStateQuery.exchange(query);
+}

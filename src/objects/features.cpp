@@ -1,0 +1,328 @@
+// Multi-object feature extraction: per-object pixel count, centroid,
+// orientation, perimeter, roundness and histogram in one pass over a label
+// buffer, with the module-wide angle tables that the orientation needs.
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <new>
+
+#include "Ostrel.h"
+#include "VornelMemMgr.h"
+#include "frame/checked.h"
+#include "frame/numeric.h"
+#include "frame/platform.h"
+#include "objects/objects.h"
+
+static_assert(sizeof(SFeature) == 1104, "SFeature is shared with hosts of either word size");
+static_assert(offsetof(SFeature, centroidX) == 8, "the doubles follow the padded count");
+static_assert(offsetof(SFeature, roundness) == 40, "five doubles");
+static_assert(offsetof(SFeature, histogram) == 48, "the histogram follows the doubles");
+static_assert(offsetof(SFeature, reserved) == 1072, "256 bins before the host's tail");
+
+namespace {
+
+const double kPi = 3.14159265358979323846;
+
+// The angle tables of the orientation: N bins per full turn, scale bins per
+// radian, E bins per 45 degrees, angle[i] the bin of atan(i / E), and an
+// accumulator of N + 1 bins. Module-wide and unguarded.
+struct FeatureTables {
+  int marker = 0;
+  int n = 0;
+  double scale = 0.0;
+  int e = 0;
+  int *angle = nullptr;
+  double *accumulator = nullptr;
+
+  void Free() {
+    delete[] angle;
+    delete[] accumulator;
+    angle = nullptr;
+    accumulator = nullptr;
+  }
+};
+
+FeatureTables g_tables;
+
+bool EscapePressed() {
+  return ostrel::platform::KeyPressed(ostrel::platform::kVirtualKeyEscape);
+}
+
+// Index of an object label from firstLabel: bytes compared as unsigned
+// values, ints in wrapping 32-bit arithmetic.
+int LabelIndex(unsigned char label, unsigned char firstLabel) {
+  return static_cast<int>(label) - static_cast<int>(firstLabel);
+}
+int LabelIndex(int label, int firstLabel) {
+  return static_cast<int>(static_cast<unsigned int>(label) - static_cast<unsigned int>(firstLabel));
+}
+unsigned char ObjectLabel(int k, unsigned char firstLabel) {
+  return static_cast<unsigned char>(firstLabel + k);
+}
+int ObjectLabel(int k, int firstLabel) {
+  return static_cast<int>(static_cast<unsigned int>(firstLabel) + static_cast<unsigned int>(k));
+}
+
+// The per-object temporaries, from the suite's memory manager; whatever was
+// obtained goes back to it when the call ends.
+class Temporaries {
+ public:
+  ~Temporaries() {
+    if (manager_ == nullptr) return;
+    manager_->Free(sumY);
+    manager_->Free(sumX);
+    manager_->Free(counter);
+    manager_->Free(done);
+    manager_->Release();
+  }
+
+  bool Obtain(int objectCount, bool sums) {
+    manager_ = DllGetMemMgr();
+    if (manager_ == nullptr) return false;
+    const std::size_t n = static_cast<std::size_t>(objectCount);
+    if (!Cleared(n, &done) || !Cleared(n, &counter)) return false;
+    return !sums || (Cleared(n, &sumX) && Cleared(n, &sumY));
+  }
+
+  unsigned char *done = nullptr;
+  int *counter = nullptr;
+  double *sumX = nullptr;
+  double *sumY = nullptr;
+
+ private:
+  template <class E>
+  bool Cleared(std::size_t n, E **block) {
+    void *p = nullptr;
+    if (manager_->Allocate(n * sizeof(E), &p) < 0 || p == nullptr) return false;
+    *block = static_cast<E *>(p);
+    for (std::size_t i = 0; i < n; ++i) (*block)[i] = E();
+    return true;
+  }
+
+  IMemMgr *manager_ = nullptr;
+};
+
+// The accumulator bin of the offset (dx, dy) from the centroid, measured from
+// the positive x axis toward positive y over the full turn. On the diagonals
+// the bin is angle[E] plus 0, 3E, 5E or 7E, which puts three of them one
+// octant further on; hosts' results depend on it.
+int AngleBin(double dx, double dy) {
+  const FeatureTables &t = g_tables;
+  const int e = t.e;
+  const double ax = std::fabs(dx), ay = std::fabs(dy);
+  const bool right = dx > 0, below = dy > 0;
+  if (ax == ay) {
+    const int diagonal = t.angle[e];
+    if (right && below) return diagonal;
+    if (below) return diagonal + 3 * e;
+    if (!right) return diagonal + 5 * e;
+    return diagonal + 7 * e;
+  }
+  const double a = ax > ay ? ay / ax : ax / ay;
+  const int step = t.angle[ostrel::TruncToInt32(a * e + 0.5)];
+  if (ax > ay) {  // flat octants
+    if (right && below) return step;
+    if (below) return 4 * e - step;
+    if (!right) return 4 * e + step;
+    return 8 * e - step;
+  }
+  if (right && below) return 2 * e - step;  // steep octants
+  if (below) return 2 * e + step;
+  if (!right) return 6 * e - step;
+  return 6 * e + step;
+}
+
+// The start of the heaviest window of 2 * (N / 10) bins round the turn (the
+// first one on ties), as an angle in -pi .. pi.
+double HeaviestDirection() {
+  const FeatureTables &t = g_tables;
+  const int n = t.n;
+  const int w = n / 10;
+  int best = 0;
+  double bestSum = 0.0;
+  for (int s = 0; s <= n; ++s) {
+    double sum = 0.0;
+    for (int j = -w; j < w; ++j) sum += t.accumulator[(s + j + n) % n];
+    if (s == 0 || sum > bestSum) {
+      best = s;
+      bestSum = sum;
+    }
+  }
+  return best / t.scale - kPi;
+}
+
+// The orientation of every object. The offsets take the region's column and
+// row against the centroid in buffer coordinates, so a region away from the
+// origin shifts them by left and top; hosts' results depend on that too.
+// Returns false on Escape.
+template <class T>
+bool MeasureOrientations(const T *labels, int width, const ostrel::objects::ClampedRegion &r,
+                         T firstLabel, int objectCount, SFeature *features) {
+  FeatureTables &t = g_tables;
+  OSTREL_EXPECT("MultiObjectFeatureExtract", t.accumulator != nullptr && t.n > 0);
+  if (t.accumulator == nullptr || t.n <= 0) ostrel::platform::RaiseIntegerDivideFault();
+  for (int k = 0; k < objectCount; ++k) {
+    if (EscapePressed()) return false;
+    for (int b = 0; b <= t.n; ++b) t.accumulator[b] = 0.0;
+    const T label = ObjectLabel(k, firstLabel);
+    const double cx = features[k].centroidX, cy = features[k].centroidY;
+    for (int row = 0; row < r.height; ++row) {
+      const T *p = labels + static_cast<std::ptrdiff_t>(r.top + row) * width + r.left;
+      for (int c = 0; c < r.width; ++c) {
+        if (EscapePressed()) return false;
+        if (p[c] != label) continue;
+        double dy = cy - (row + 0.5);
+        double dx = cx - (c + 0.5);
+        if (dy < 0) dy = dy + 1.0;
+        if (dx < 0) dx = dx + 1.0;
+        t.accumulator[AngleBin(dx, dy)] += dx * dx + dy * dy;
+      }
+    }
+    features[k].orientation = HeaviestDirection();
+  }
+  return true;
+}
+
+}  // namespace
+
+int InitFeatureTables(int marker, double angleSteps) {
+  FeatureTables &t = g_tables;
+  if (t.marker != 0) return -1;
+  t.marker = marker;
+  t.n = ostrel::TruncToInt32(angleSteps + 0.5);
+  t.scale = angleSteps / (2.0 * kPi);
+  t.e = ostrel::TruncToInt32(t.n * 0.125);
+  t.Free();
+  if (t.e >= 0 && t.n >= 0) {
+    t.angle = new (std::nothrow) int[static_cast<std::size_t>(t.e) + 1];
+    t.accumulator = new (std::nothrow) double[static_cast<std::size_t>(t.n) + 1];
+  }
+  if (t.angle == nullptr || t.accumulator == nullptr) {
+    // The marker stays: further calls fail until the tables are released.
+    t.Free();
+    t.n = 0;
+    t.e = 0;
+    t.scale = 0.0;
+    return -1;
+  }
+  for (int i = 0; i <= t.e; ++i) {
+    t.angle[i] = ostrel::TruncToInt32(std::atan(static_cast<double>(i) / t.e) * t.scale + 0.5);
+  }
+  return 0;
+}
+
+int ReleaseFeatureTables() {
+  FeatureTables &t = g_tables;
+  t.Free();
+  t.n = 0;
+  t.e = 0;
+  t.scale = 0.0;
+  t.marker = 0;
+  return 0;
+}
+
+template <typename T>
+int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int top,
+                              int regionWidth, int regionHeight, T *values, T firstLabel,
+                              int objectCount, SFeature *features, EFeaturesNeeded needed,
+                              unsigned char *aborted) {
+  *aborted = 0;
+  if (features == nullptr) return -1;
+  if (objectCount <= 0) return 0;
+  const ostrel::objects::ClampedRegion r =
+      ostrel::objects::ClampRegion(width, height, left, top, regionWidth, regionHeight);
+  const bool basic = (needed & eFeatureBasic) != 0;
+  const bool centroid = basic && (needed & eFeatureCentroid) != 0;
+  const bool orientation = centroid && (needed & eFeatureOrientation) != 0;
+  const bool histogram = basic && (needed & eFeatureHistogram) != 0;
+
+  Temporaries tmp;
+  if (!tmp.Obtain(objectCount, centroid)) return -1;
+  if (histogram) {
+    for (int k = 0; k < objectCount; ++k) {
+      std::memset(features[k].histogram, 0, sizeof(features[k].histogram));
+    }
+  }
+
+  for (int row = 0; row < r.height; ++row) {
+    const std::ptrdiff_t rowStart = static_cast<std::ptrdiff_t>(r.top + row) * width + r.left;
+    T *p = labels + rowStart;
+    const T *v = values + rowStart;
+    for (int c = 0; c < r.width; ++c) {
+      if (EscapePressed()) {
+        *aborted = 1;
+        return -1;
+      }
+      const int k = LabelIndex(p[c], firstLabel);
+      if (k < 0 || k >= objectCount) continue;
+      if (centroid) {
+        tmp.sumX[k] += c + 0.5;
+        tmp.sumY[k] += row + 0.5;
+      }
+      if (histogram) ++features[k].histogram[v[c]];
+      if (!tmp.done[k]) {
+        // The object's first pixel in raster order starts its contour.
+        features[k].perimeter = FollowContour(labels, p + c, width, height, r.left, r.top, r.width,
+                                              r.height, ObjectLabel(k, firstLabel), nullptr,
+                                              nullptr);
+        tmp.done[k] = 1;
+      }
+      ++tmp.counter[k];
+    }
+  }
+
+  for (int k = 0; k < objectCount; ++k) {
+    SFeature &f = features[k];
+    const int count = tmp.counter[k];
+    f.pixelCount = count;
+    // An object without pixels divides by zero here; its roundness is not
+    // a number then.
+    f.roundness = f.perimeter / (2.0 * kPi * std::sqrt(count / kPi));
+    if (centroid && count != 0) {
+      f.centroidX = tmp.sumX[k] / count + r.left;
+      f.centroidY = tmp.sumY[k] / count + r.top;
+    } else if (basic) {
+      f.centroidX = 0.0;
+      f.centroidY = 0.0;
+    }
+  }
+
+  if (orientation) {
+    if (!MeasureOrientations(labels, width, r, firstLabel, objectCount, features)) {
+      *aborted = 1;
+      return -1;
+    }
+  } else {
+    for (int k = 0; k < objectCount; ++k) features[k].orientation = 0.0;
+  }
+  return 0;
+}
+
+float GetInterpolatedOverlayFactor(int value, double *table, int count) {
+  const auto percent = [table](int i) { return static_cast<float>(table[i] / 100); };
+  if (value <= 0) return percent(0);
+  if (value >= (count - 1) * 100) return percent(count - 1);
+  const float pos = static_cast<float>(value) / static_cast<float>((count - 1) * 100) *
+                    static_cast<float>(count - 1);
+  int lo = count - 1;
+  while (static_cast<float>(lo) > pos) --lo;
+  int hi = 0;
+  while (static_cast<float>(hi) < pos) ++hi;
+  float f = pos - static_cast<float>(lo);
+  if (f < 0.0f) f = 0.0f;
+  if (f > 1.0f) f = 1.0f;
+  const float low = percent(lo);
+  return (percent(hi) - low) * f + low;
+}
+
+template OSTREL_API int MultiObjectFeatureExtract<unsigned char>(
+    unsigned char *labels, int width, int height, int left, int top, int regionWidth,
+    int regionHeight, unsigned char *values, unsigned char firstLabel, int objectCount,
+    SFeature *features, EFeaturesNeeded needed, unsigned char *aborted);
+template OSTREL_API int MultiObjectFeatureExtract<int>(int *labels, int width, int height,
+                                                       int left, int top, int regionWidth,
+                                                       int regionHeight, int *values,
+                                                       int firstLabel, int objectCount,
+                                                       SFeature *features,
+                                                       EFeaturesNeeded needed,
+                                                       unsigned char *aborted);

@@ -1,0 +1,102 @@
+// Flood fill and object labelling (Fill, ColorBinaryObjects).
+#include "Ostrel.h"
+#include "frame/checked.h"
+#include "objects/objects.h"
+
+namespace {
+
+using ostrel::objects::ClampedRegion;
+using ostrel::objects::ClampInt;
+using ostrel::objects::ClampRegion;
+using ostrel::objects::FillEngine;
+using ostrel::objects::FillLimits;
+
+// The label after label, one up or down: modulo 256 for bytes, modulo 2^32
+// for ints.
+unsigned char StepLabel(unsigned char label, bool ascending) {
+  return static_cast<unsigned char>(ascending ? label + 1u : label - 1u);
+}
+int StepLabel(int label, bool ascending) {
+  const unsigned int u = static_cast<unsigned int>(label);
+  return static_cast<int>(ascending ? u + 1u : u - 1u);
+}
+
+}  // namespace
+
+template <typename T>
+int Fill(T *buffer, int width, int height, int seedX, int seedY, int left, int top,
+         int regionWidth, int regionHeight, T fillValue, int *changedCount) {
+  // The seed moves into the buffer, not into the region.
+  if (seedX < 0 || seedX > width - 1) seedX = seedX < 0 ? 0 : width - 1;
+  if (seedY < 0 || seedY > height - 1) seedY = seedY < 0 ? 0 : height - 1;
+  FillLimits limits;
+  limits.left = ClampInt(left, 0, width - 1);
+  limits.top = ClampInt(top, 0, height - 1);
+  limits.right = limits.left + ClampInt(regionWidth, 0, width - 1 - limits.left);
+  limits.bottom = limits.top + ClampInt(regionHeight, 0, height - 1 - limits.top);
+
+  const T target = buffer[static_cast<std::ptrdiff_t>(seedY) * width + seedX];
+  if (changedCount != nullptr) *changedCount = 1;
+  // Filling a region with its own value would change nothing.
+  OSTREL_EXPECT("Fill", fillValue != target);
+  if (fillValue == target) return 0;
+
+  FillEngine<T> engine;
+  const std::size_t filled = engine.Fill(buffer, width, seedX, seedY, limits, target, fillValue);
+  if (changedCount != nullptr) *changedCount += static_cast<int>(filled);
+  return 0;
+}
+
+template <typename T>
+int ColorBinaryObjects(T *buffer, int width, int height, int left, int top, int regionWidth,
+                       int regionHeight, T backgroundValue, T objectValue, T firstLabel,
+                       bool ascending, int endLabel) {
+  const ClampedRegion r = ClampRegion(width, height, left, top, regionWidth, regionHeight);
+  if (r.height < 1) return 0;
+  // Fill's inclusive limits for this region: one column and one row beyond
+  // the scanned ones.
+  const FillLimits limits = {r.left, r.top, r.left + r.width, r.top + r.height};
+
+  FillEngine<T> engine;
+  T label = firstLabel;
+  int count = 0;
+  for (int y = r.top; y < r.top + r.height; ++y) {
+    T *row = buffer + static_cast<std::ptrdiff_t>(y) * width + r.left;
+    // The column c counts fills and plain pixels; the read position also
+    // counts the pixels that met a reserved label, so it runs ahead of c
+    // after each of them until the row ends.
+    const T *read = row;
+    for (int c = 0; c < r.width; ++read) {
+      if (*read != objectValue) {
+        ++c;
+        continue;
+      }
+      if (label != objectValue && label != backgroundValue) {
+        const T target = row[c];
+        if (target != label) engine.Fill(buffer, width, r.left + c, y, limits, target, label);
+        ++count;
+        ++c;
+      }
+      label = StepLabel(label, ascending);
+      if (ascending ? static_cast<int>(label) == endLabel : label == 1) return count;
+    }
+  }
+  return count;
+}
+
+template OSTREL_API int Fill<unsigned char>(unsigned char *buffer, int width, int height, int seedX,
+                                 int seedY, int left, int top, int regionWidth, int regionHeight,
+                                 unsigned char fillValue, int *changedCount);
+template OSTREL_API int Fill<int>(int *buffer, int width, int height, int seedX, int seedY, int left,
+                       int top, int regionWidth, int regionHeight, int fillValue,
+                       int *changedCount);
+template OSTREL_API int ColorBinaryObjects<unsigned char>(unsigned char *buffer, int width, int height,
+                                               int left, int top, int regionWidth,
+                                               int regionHeight, unsigned char backgroundValue,
+                                               unsigned char objectValue,
+                                               unsigned char firstLabel, bool ascending,
+                                               int endLabel);
+template OSTREL_API int ColorBinaryObjects<int>(int *buffer, int width, int height, int left, int top,
+                                     int regionWidth, int regionHeight, int backgroundValue,
+                                     int objectValue, int firstLabel, bool ascending,
+                                     int endLabel);
