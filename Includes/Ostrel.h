@@ -1351,4 +1351,28 @@ OSTREL_API void HardFrameDownL08toL08(unsigned char *src, unsigned char *dst,
                                       unsigned int width, unsigned int height, int *distTable,
                                       unsigned int R, unsigned int frameWidth);
 
+// ===========================================================================
+// BGR blending
+// ===========================================================================
+// A solid colour laid into a whole blue-green-red picture through a coverage
+// picture of another size, scaled by nearest neighbour. Both pictures have
+// rows padded to a multiple of 4 bytes (the padding is never written) and
+// start with row 0. Destination pixel (x, y) reads the first byte of coverage
+// pixel (min(trunc(x * scaleX), alphaWidth - 1), min(trunc(y * scaleY),
+// alphaHeight - 1)) as a; blue, green and red move by
+// d + ((k - d) * a) / 255. Bits 24-31 of colour are ignored; the fourth byte
+// of a 32-bit pixel is never touched. The coverage picture must not be empty.
+
+OSTREL_API void AlphaBlendBGR24AlphaToBGR24(unsigned char *alpha, unsigned int alphaWidth,
+                                            unsigned int alphaHeight, unsigned int colour,
+                                            unsigned char *dst, unsigned int dstWidth,
+                                            unsigned int dstHeight, double scaleX,
+                                            double scaleY);
+
+OSTREL_API void AlphaBlendBGR32AlphaToBGR32(unsigned char *alpha, unsigned int alphaWidth,
+                                            unsigned int alphaHeight, unsigned int colour,
+                                            unsigned char *dst, unsigned int dstWidth,
+                                            unsigned int dstHeight, double scaleX,
+                                            double scaleY);
+
 #endif  // OSTREL_H

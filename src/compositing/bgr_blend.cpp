@@ -1,0 +1,59 @@
+// BGR blending: a solid colour through a scaled coverage picture into a
+// 24-bit or 32-bit blue-green-red picture.
+#include "Ostrel.h"
+#include "frame/blend.h"
+#include "frame/numeric.h"
+#include "frame/region.h"
+
+namespace ostrel {
+namespace {
+
+// Bytes per row: rows are padded to a multiple of 4 bytes.
+std::size_t RowBytes(unsigned int width, unsigned int pixelBytes) {
+  return (static_cast<std::size_t>(width) * pixelBytes + 3) & ~static_cast<std::size_t>(3);
+}
+
+// The coverage index of destination index v: trunc(v * scale), of which the
+// low 32 bits count, clamped to last (an unsigned comparison).
+std::uint32_t Sample(unsigned int v, double scale, unsigned int last) {
+  const auto index = static_cast<std::uint32_t>(static_cast<std::uint64_t>(TruncToInt64(v * scale)));
+  return MinU32(index, last);
+}
+
+void BlendBgr(unsigned int pixelBytes, const unsigned char *alpha, unsigned int alphaWidth,
+              unsigned int alphaHeight, unsigned int colour, unsigned char *dst,
+              unsigned int dstWidth, unsigned int dstHeight, double scaleX, double scaleY) {
+  const std::size_t alphaRow = RowBytes(alphaWidth, pixelBytes);
+  const std::size_t dstRow = RowBytes(dstWidth, pixelBytes);
+  for (unsigned int y = 0; y < dstHeight; ++y) {
+    const unsigned char *coverage = alpha + Sample(y, scaleY, alphaHeight - 1) * alphaRow;
+    unsigned char *out = dst + y * dstRow;
+    for (unsigned int x = 0; x < dstWidth; ++x) {
+      const std::uint32_t a = coverage[static_cast<std::size_t>(Sample(x, scaleX, alphaWidth - 1)) * pixelBytes];
+      unsigned char *pixel = out + static_cast<std::size_t>(x) * pixelBytes;
+      for (int c = 0; c < 3; ++c) {
+        const std::int32_t k = (colour >> (8 * c)) & 0xFF;
+        pixel[c] = static_cast<unsigned char>(blend::ExactChannel(pixel[c], k, a));
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace ostrel
+
+void AlphaBlendBGR24AlphaToBGR24(unsigned char *alpha, unsigned int alphaWidth,
+                                 unsigned int alphaHeight, unsigned int colour,
+                                 unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
+                                 double scaleX, double scaleY) {
+  ostrel::BlendBgr(3, alpha, alphaWidth, alphaHeight, colour, dst, dstWidth, dstHeight, scaleX,
+                   scaleY);
+}
+
+void AlphaBlendBGR32AlphaToBGR32(unsigned char *alpha, unsigned int alphaWidth,
+                                 unsigned int alphaHeight, unsigned int colour,
+                                 unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
+                                 double scaleX, double scaleY) {
+  ostrel::BlendBgr(4, alpha, alphaWidth, alphaHeight, colour, dst, dstWidth, dstHeight, scaleX,
+                   scaleY);
+}

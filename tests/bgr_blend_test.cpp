@@ -1,0 +1,55 @@
+// BGR blending: both pixel sizes against a nearest-neighbour model over
+// padded rows, on scales that shrink, keep, enlarge and run past the
+// coverage picture.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "Ostrel.h"
+#include "grey_test_util.h"
+
+namespace {
+
+using namespace grey_test;
+
+TEST(BgrBlend, MatchesNearestNeighbourModel) {
+  std::mt19937 rng(17);
+  const double scales[] = {0.5, 1.0, 1.7, 3.0, 0.25};
+  for (int round = 0; round < 100; ++round) {
+    const u32 px = round % 2 ? 4 : 3;
+    const u32 aw = 1 + rng() % 6, ah = 1 + rng() % 4, dw = 1 + rng() % 7, dh = 1 + rng() % 5;
+    const double sx = scales[rng() % 5], sy = scales[rng() % 5];
+    const u32 colour = rng();
+    const u32 aRow = (aw * px + 3) / 4 * 4, dRow = (dw * px + 3) / 4 * 4;
+    const auto alpha = Random<u8>(aRow * ah, [&] { return TurnByte(rng); });
+    auto dst = Random<u8>(dRow * dh, [&] { return rng(); });
+    auto want = dst;
+    for (u32 y = 0; y < dh; ++y) {
+      for (u32 x = 0; x < dw; ++x) {
+        const u32 ax = std::min(u32(x * sx), aw - 1), ay = std::min(u32(y * sy), ah - 1);
+        const int a = alpha[ay * aRow + ax * px];
+        for (u32 c = 0; c < 3; ++c) {
+          u8 &d = want[y * dRow + x * px + c];
+          d = u8(ExactMix(d, colour >> (8 * c) & 0xFF, a));
+        }
+      }
+    }
+    (px == 3 ? AlphaBlendBGR24AlphaToBGR24 : AlphaBlendBGR32AlphaToBGR32)(
+        const_cast<u8 *>(alpha.data()), aw, ah, colour, dst.data(), dw, dh, sx, sy);
+    ASSERT_EQ(dst, want) << "round " << round << ", " << px * 8 << " bits, coverage " << aw << "x" << ah
+                         << ", destination " << dw << "x" << dh << ", scale " << sx << "," << sy;
+  }
+}
+
+TEST(BgrBlend, FullCoverGivesTheColourAndKeepsPadding) {
+  // 24-bit, width 5: 16-byte rows whose last byte is padding.
+  std::vector<u8> alpha(16 * 2, 255), dst(16 * 2, 7);
+  AlphaBlendBGR24AlphaToBGR24(alpha.data(), 5, 2, 0xEE332211u, dst.data(), 5, 2, 1.0, 1.0);
+  for (u32 i = 0; i < dst.size(); ++i) {
+    const u32 col = i % 16;
+    EXPECT_EQ(dst[i], col == 15 ? 7 : col % 3 == 0 ? 0x11 : col % 3 == 1 ? 0x22 : 0x33) << "byte " << i;
+  }
+}
+
+}  // namespace
