@@ -1375,4 +1375,64 @@ OSTREL_API void AlphaBlendBGR32AlphaToBGR32(unsigned char *alpha, unsigned int a
                                             unsigned int dstHeight, double scaleX,
                                             double scaleY);
 
+// ===========================================================================
+// Motion copy
+// ===========================================================================
+// A source region blended through an alpha buffer into a destination in a
+// traversal order the caller chooses, so that a region can be moved inside
+// one buffer: with rows bottom to top when the destination lies below the
+// source, and pixels right to left when it lies right of it, every source
+// pixel is read before it is overwritten. Per pixel W = (a * opacity) / 255
+// and d + ((s - d) * W) / 255 truncated toward zero; every pixel is blended.
+// Exact form only: `exact` is ignored.
+//
+// The call does nothing when a region corner lies outside its buffer
+// (dstLeft >= dstWidth, dstTop >= dstHeight, srcLeft >= srcWidth or
+// srcTop >= srcHeight), or when mode is not one of the four below. The
+// region is then clipped against source and destination. The alpha buffer
+// (never null) is read from its own corner with its own stride; it takes no
+// part in clipping and alphaHeight is not read.
+
+// The traversal order (a 32-bit value).
+enum _EMotionCopyMode : int {
+  eMotionCopyDownRight = 0,  // rows top to bottom, pixels left to right
+  eMotionCopyUpRight = 1,    // rows bottom to top, pixels left to right
+  eMotionCopyDownLeft = 2,   // rows top to bottom, pixels right to left
+  eMotionCopyUpLeft = 3      // rows bottom to top, pixels right to left
+};
+
+// twoLevel sets each nonzero result to 255.
+OSTREL_API void MotionCopyL08ToL08(unsigned char *src, unsigned int srcWidth,
+                                   unsigned int srcHeight, unsigned int srcLeft,
+                                   unsigned int srcTop, unsigned char *alpha,
+                                   unsigned int alphaWidth, unsigned int alphaHeight,
+                                   unsigned int alphaLeft, unsigned int alphaTop,
+                                   unsigned char *dst, unsigned int dstWidth,
+                                   unsigned int dstHeight, unsigned int dstLeft,
+                                   unsigned int dstTop, unsigned char opacity, bool twoLevel,
+                                   unsigned int regionWidth, unsigned int regionHeight,
+                                   _EMotionCopyMode mode, bool exact);
+
+// 16-bit words, neither shifted nor clamped; twoLevel sets each nonzero
+// result to 4095.
+OSTREL_API void MotionCopyL12ToL12(unsigned short *src, unsigned int srcWidth,
+                                   unsigned int srcHeight, unsigned int srcLeft,
+                                   unsigned int srcTop, unsigned char *alpha,
+                                   unsigned int alphaWidth, unsigned int alphaHeight,
+                                   unsigned int alphaLeft, unsigned int alphaTop,
+                                   unsigned short *dst, unsigned int dstWidth,
+                                   unsigned int dstHeight, unsigned int dstLeft,
+                                   unsigned int dstTop, unsigned char opacity, bool twoLevel,
+                                   unsigned int regionWidth, unsigned int regionHeight,
+                                   _EMotionCopyMode mode, bool exact);
+
+// Blue, green and red blended by the one weight; the destination's alpha
+// byte is kept.
+OSTREL_API void MotionCopyTRCWithAlphaBufferToTRC(
+    unsigned int *src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcLeft,
+    unsigned int srcTop, unsigned char *alpha, unsigned int alphaWidth, unsigned int alphaHeight,
+    unsigned int alphaLeft, unsigned int alphaTop, unsigned int *dst, unsigned int dstWidth,
+    unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+    unsigned int regionWidth, unsigned int regionHeight, _EMotionCopyMode mode, bool exact);
+
 #endif  // OSTREL_H

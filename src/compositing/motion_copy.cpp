@@ -1,0 +1,123 @@
+// Motion copy: a blend through an alpha buffer in a caller-chosen traversal
+// order, so that a region can be moved inside one buffer.
+#include <cstdint>
+
+#include "Ostrel.h"
+#include "compositing/grey_blend_kernels.h"
+#include "frame/blend.h"
+#include "frame/region.h"
+
+namespace ostrel {
+namespace {
+
+using blend::ExactChannel;
+using blend::ExactWeight;
+
+// True when the n elements from a and the m bytes from b share memory.
+template <class A, class B>
+bool Overlap(const A *a, std::size_t n, const B *b, std::size_t m) {
+  const auto a0 = reinterpret_cast<std::uintptr_t>(a), b0 = reinterpret_cast<std::uintptr_t>(b);
+  return a0 < b0 + m * sizeof(B) && b0 < a0 + n * sizeof(A);
+}
+
+// Visits the clipped region in the order of mode and sets each destination
+// pixel to pixel(d, s, alpha byte). rowKernel, when given, may take a whole
+// row instead: it runs only where the destination row shares no memory with
+// the source and alpha rows (or is the source row itself, which a blend of
+// each pixel with itself leaves order-free), so the order inside the row
+// cannot change the result.
+template <class P, class PixelFn>
+void MotionCopy(P *src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcLeft,
+                unsigned int srcTop, unsigned char *alpha, unsigned int alphaWidth,
+                unsigned int alphaHeight, unsigned int alphaLeft, unsigned int alphaTop, P *dst,
+                unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
+                _EMotionCopyMode mode, const char *caller, PixelFn &&pixel,
+                void (*rowKernel)(P *dst, const P *src, const unsigned char *alpha,
+                                  std::uint32_t n) = nullptr) {
+  // Unlike the other blends, a corner outside its buffer ends the call.
+  if (dstLeft >= dstWidth || dstTop >= dstHeight || srcLeft >= srcWidth || srcTop >= srcHeight) {
+    return;
+  }
+  const auto s = MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto a = MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop);
+  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const Extent e = ClipPair(s, d, regionWidth, regionHeight, caller);
+  const auto order = static_cast<std::uint32_t>(mode);
+  if (order > 3 || e.rows == 0) return;
+  const bool upward = (order & 1u) != 0, leftward = (order & 2u) != 0;
+  for (std::uint32_t k = 0; k < e.rows; ++k) {
+    const std::uint32_t j = upward ? e.rows - 1 - k : k;
+    const P *in = s.Row(j);
+    const unsigned char *cover = a.Row(j);
+    P *out = d.Row(j);
+    if (rowKernel != nullptr && (out == in || !Overlap(out, e.columns, in, e.columns)) &&
+        !Overlap(out, e.columns, cover, e.columns)) {
+      rowKernel(out, in, cover, e.columns);
+      continue;
+    }
+    for (std::uint32_t m = 0; m < e.columns; ++m) {
+      const std::uint32_t i = leftward ? e.columns - 1 - m : m;
+      out[i] = pixel(out[i], in[i], cover[i]);
+    }
+  }
+}
+
+// Grey pixels: the exact blend, then with twoLevel a nonzero result goes to
+// full scale.
+template <class P>
+struct GreyPixel {
+  std::uint32_t opacity;
+  std::uint32_t full;  // 0: no two-level forcing
+  P operator()(P d, P s, unsigned char a) const {
+    const P r = static_cast<P>(ExactChannel(d, s, ExactWeight(a, opacity)));
+    return full != 0 && r != 0 ? static_cast<P>(full) : r;
+  }
+};
+
+}  // namespace
+}  // namespace ostrel
+
+void MotionCopyL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                        unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
+                        unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
+                        unsigned int alphaTop, unsigned char *dst, unsigned int dstWidth,
+                        unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                        unsigned char opacity, bool twoLevel, unsigned int regionWidth,
+                        unsigned int regionHeight, _EMotionCopyMode mode, bool /*exact*/) {
+  ostrel::MotionCopy(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
+                     alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
+                     regionHeight, mode, __func__,
+                     ostrel::GreyPixel<unsigned char>{opacity, twoLevel ? 255u : 0u});
+}
+
+void MotionCopyL12ToL12(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
+                        unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
+                        unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
+                        unsigned int alphaTop, unsigned short *dst, unsigned int dstWidth,
+                        unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                        unsigned char opacity, bool twoLevel, unsigned int regionWidth,
+                        unsigned int regionHeight, _EMotionCopyMode mode, bool /*exact*/) {
+  ostrel::MotionCopy(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
+                     alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
+                     regionHeight, mode, __func__,
+                     ostrel::GreyPixel<unsigned short>{opacity, twoLevel ? 4095u : 0u});
+}
+
+void MotionCopyTRCWithAlphaBufferToTRC(unsigned int *src, unsigned int srcWidth,
+                                       unsigned int srcHeight, unsigned int srcLeft,
+                                       unsigned int srcTop, unsigned char *alpha,
+                                       unsigned int alphaWidth, unsigned int alphaHeight,
+                                       unsigned int alphaLeft, unsigned int alphaTop,
+                                       unsigned int *dst, unsigned int dstWidth,
+                                       unsigned int dstHeight, unsigned int dstLeft,
+                                       unsigned int dstTop, unsigned char opacity,
+                                       unsigned int regionWidth, unsigned int regionHeight,
+                                       _EMotionCopyMode mode, bool /*exact*/) {
+  ostrel::MotionCopy(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
+                     alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
+                     regionHeight, mode, __func__,
+                     [opacity](unsigned int d, unsigned int s, unsigned char a) {
+                       return ostrel::blend::ExactPixel(d, s, ostrel::blend::ExactWeight(a, opacity));
+                     });
+}
