@@ -45,6 +45,11 @@ TEST(CheckedBuildDeathTest, CallerErrorsAbortNamingFunctionAndCondition) {
          GetLinearInterpoliertenWert(xs, ys, 1, 0.5);
        },
        "Ostrel: caller error in GetLinearInterpoliertenWert: count >= 2"},
+      {[] {
+         unsigned char mask[4] = {5, 5, 5, 5};
+         Fill<unsigned char>(mask, 2, 2, 0, 0, 0, 0, 1, 1, 5, nullptr);
+       },
+       "Ostrel: caller error in Fill: fillValue != target"},
   };
   for (const auto &e : errors) EXPECT_DEATH(e.call(), e.message);
 }
