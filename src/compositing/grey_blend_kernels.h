@@ -47,6 +47,7 @@ struct GreyBlendKernels {
   GreyRowKernel densityByAlpha[2];    // toward density; c = alpha[i]
   GreyRowKernel densityByInverse[2];  // toward density; c = 255 - alpha[i]
   GreyRowKernel greysByAlpha;         // toward src[i]; c = alpha[i]; exact form
+  GreyRowKernel greysByAlphaTwoLevel; // as greysByAlpha, then a result not 0 becomes 255
   // d scaled by the coverage: exact d * ((c * o) / 255) / 255, where c is
   // alpha[i]; fast (d * w) >> 8 with w = c at opacity 255, else (c * o) >> 8.
   GreyRowKernel applyAlpha[2];
@@ -54,6 +55,10 @@ struct GreyBlendKernels {
 };
 
 OSTREL_KERNEL_FAMILY(GreyBlendKernels)
+
+// The lookup kernel of every table: bytes are looked up one at a time (the
+// baseline instruction sets have no byte-wide table lookup to do better).
+void LookupRow(const GreyRow &row, const GreyBlend &blend);
 
 }  // namespace ostrel
 

@@ -29,9 +29,11 @@ void DensityByInverse(const GreyRow &r, const GreyBlend &b) {
   }
 }
 
+template <bool twoLevel>
 void GreysByAlpha(const GreyRow &r, const GreyBlend &b) {
   for (std::size_t i = 0; i < r.n; ++i) {
-    r.dst[i] = static_cast<std::uint8_t>(ExactChannel(r.dst[i], r.src[i], ExactWeight(r.alpha[i], b.opacity)));
+    const auto v = static_cast<std::uint8_t>(ExactChannel(r.dst[i], r.src[i], ExactWeight(r.alpha[i], b.opacity)));
+    r.dst[i] = twoLevel && v != 0 ? 255 : v;
   }
 }
 
@@ -47,28 +49,23 @@ void ApplyAlpha(const GreyRow &r, const GreyBlend &b) {
   }
 }
 
-void Lookup(const GreyRow &r, const GreyBlend &b) {
-  for (std::size_t i = 0; i < r.n; ++i) r.dst[i] = b.table[r.dst[i]];
-}
-
 constexpr GreyBlendKernels MakeScalar() {
   return GreyBlendKernels{
       {DensityByAlpha<Form::kExact>, DensityByAlpha<Form::kFast>},
       {DensityByInverse<Form::kExact>, DensityByInverse<Form::kFast>},
-      GreysByAlpha,
+      GreysByAlpha<false>,
+      GreysByAlpha<true>,
       {ApplyAlpha<Form::kExact>, ApplyAlpha<Form::kFast>},
-      Lookup,
+      LookupRow,
   };
 }
 
 }  // namespace
 
-const GreyBlendKernels GreyBlendKernelsScalar = MakeScalar();
+void LookupRow(const GreyRow &r, const GreyBlend &b) {
+  for (std::size_t i = 0; i < r.n; ++i) r.dst[i] = b.table[r.dst[i]];
+}
 
-#if OSTREL_X86
-// Until a kernel has a vector version, the vector tables run its scalar one.
-const GreyBlendKernels GreyBlendKernelsSse2 = MakeScalar();
-const GreyBlendKernels GreyBlendKernelsAvx2 = MakeScalar();
-#endif
+const GreyBlendKernels GreyBlendKernelsScalar = MakeScalar();
 
 }  // namespace ostrel

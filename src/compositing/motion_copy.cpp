@@ -1,6 +1,8 @@
 // Motion copy: a blend through an alpha buffer in a caller-chosen traversal
 // order, so that a region can be moved inside one buffer.
+#include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "Ostrel.h"
 #include "compositing/grey_blend_kernels.h"
@@ -26,15 +28,14 @@ bool Overlap(const A *a, std::size_t n, const B *b, std::size_t m) {
 // the source and alpha rows (or is the source row itself, which a blend of
 // each pixel with itself leaves order-free), so the order inside the row
 // cannot change the result.
-template <class P, class PixelFn>
+template <class P, class PixelFn, class RowFn = std::nullptr_t>
 void MotionCopy(P *src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcLeft,
                 unsigned int srcTop, unsigned char *alpha, unsigned int alphaWidth,
                 unsigned int alphaHeight, unsigned int alphaLeft, unsigned int alphaTop, P *dst,
                 unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                 unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
                 _EMotionCopyMode mode, const char *caller, PixelFn &&pixel,
-                void (*rowKernel)(P *dst, const P *src, const unsigned char *alpha,
-                                  std::uint32_t n) = nullptr) {
+                RowFn &&rowKernel = nullptr) {
   // Unlike the other blends, a corner outside its buffer ends the call.
   if (dstLeft >= dstWidth || dstTop >= dstHeight || srcLeft >= srcWidth || srcTop >= srcHeight) {
     return;
@@ -51,10 +52,12 @@ void MotionCopy(P *src, unsigned int srcWidth, unsigned int srcHeight, unsigned 
     const P *in = s.Row(j);
     const unsigned char *cover = a.Row(j);
     P *out = d.Row(j);
-    if (rowKernel != nullptr && (out == in || !Overlap(out, e.columns, in, e.columns)) &&
-        !Overlap(out, e.columns, cover, e.columns)) {
-      rowKernel(out, in, cover, e.columns);
-      continue;
+    if constexpr (!std::is_same<std::decay_t<RowFn>, std::nullptr_t>::value) {
+      if ((out == in || !Overlap(out, e.columns, in, e.columns)) &&
+          !Overlap(out, e.columns, cover, e.columns)) {
+        rowKernel(out, in, cover, e.columns);
+        continue;
+      }
     }
     for (std::uint32_t m = 0; m < e.columns; ++m) {
       const std::uint32_t i = leftward ? e.columns - 1 - m : m;
@@ -85,10 +88,21 @@ void MotionCopyL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int 
                         unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                         unsigned char opacity, bool twoLevel, unsigned int regionWidth,
                         unsigned int regionHeight, _EMotionCopyMode mode, bool /*exact*/) {
-  ostrel::MotionCopy(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
-                     alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
-                     regionHeight, mode, __func__,
-                     ostrel::GreyPixel<unsigned char>{opacity, twoLevel ? 255u : 0u});
+  using namespace ostrel;
+  const GreyBlendKernels &kernels = ActiveGreyBlendKernels();
+  const GreyRowKernel kernel = twoLevel ? kernels.greysByAlphaTwoLevel : kernels.greysByAlpha;
+  GreyBlend blend;
+  blend.opacity = opacity;
+  MotionCopy(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight, alphaLeft,
+             alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth, regionHeight, mode,
+             __func__, GreyPixel<unsigned char>{opacity, twoLevel ? 255u : 0u},
+             [&](unsigned char *out, const unsigned char *in, const unsigned char *cover,
+                 std::uint32_t n) {
+               GreyRow row{out, n};
+               row.src = in;
+               row.alpha = cover;
+               kernel(row, blend);
+             });
 }
 
 void MotionCopyL12ToL12(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,

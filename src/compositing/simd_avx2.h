@@ -52,6 +52,18 @@ struct Avx2 {
   template <int n> static Reg ShiftRight16(Reg a) { return _mm256_srli_epi16(a, n); }
   template <int n> static Reg ShiftLeft32(Reg a) { return _mm256_slli_epi32(a, n); }
   template <int n> static Reg ShiftRight32(Reg a) { return _mm256_srli_epi32(a, n); }
+
+  // Whole registers of bytes (kBytes of them), for the grey kernels; bytes
+  // widen to 16-bit lanes by unpacking with zero and narrow back by packing
+  // with unsigned saturation (both work inside 128-bit halves, so the
+  // unpacked halves pack back in order).
+  static constexpr std::size_t kBytes = 32;
+  static Reg LoadBytes(const void *p) { return _mm256_loadu_si256(static_cast<const Reg *>(p)); }
+  static void StoreBytes(void *p, Reg v) { _mm256_storeu_si256(static_cast<Reg *>(p), v); }
+  static Reg UnpackLo8(Reg a, Reg b) { return _mm256_unpacklo_epi8(a, b); }
+  static Reg UnpackHi8(Reg a, Reg b) { return _mm256_unpackhi_epi8(a, b); }
+  static Reg PackUs16(Reg a, Reg b) { return _mm256_packus_epi16(a, b); }
+  static Reg CmpEq16(Reg a, Reg b) { return _mm256_cmpeq_epi16(a, b); }
 };
 
 }  // namespace

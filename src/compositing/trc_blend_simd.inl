@@ -22,18 +22,12 @@
 // vector access reaches past the row.
 #include <cstring>
 
+#include "compositing/simd_lanes.h"
+
 namespace ostrel {
 namespace {
 
 using blend::Form;
-
-// x / 255 for 16-bit lanes, as blend::Div255ByMultiply: the high half of the
-// product is the product shifted by 16.
-template <class V>
-typename V::Reg Div255(typename V::Reg x) {
-  const typename V::Reg high = V::MulHiU16(x, V::Set16(blend::kDiv255Multiplier));
-  return V::template ShiftRight16<blend::kDiv255Shift - 16>(high);
-}
 
 // The weights of a call, from coverages c (0..257) in 32-bit lanes. At
 // opacity 255 (the usual case, and the same for every step of a call, so the
@@ -56,18 +50,6 @@ typename V::Reg Flag(typename V::Reg c) {
 template <class V>
 typename V::Reg Select(typename V::Reg mask, typename V::Reg a, typename V::Reg b) {
   return V::Or(V::And(mask, a), V::AndNot(mask, b));
-}
-
-// Channels in 16-bit lanes, each with its own weight in w (the fast form
-// takes 2 * w). Only the low byte of each lane is meaningful afterwards.
-template <class V, Form form>
-typename V::Reg BlendLanes(typename V::Reg d, typename V::Reg s, typename V::Reg w) {
-  const typename V::Reg diff = V::Sub16(s, d);
-  if (form == Form::kExact) {
-    const typename V::Reg moved = Div255<V>(V::MulLo16(V::Abs16(diff), w));
-    return V::Add16(d, V::Sign16(moved, diff));
-  }
-  return V::Add16(d, V::MulHiS16(V::template ShiftLeft16<7>(diff), w));
 }
 
 // Moves the pixels d toward s by the per-pixel weights w (32-bit lanes):
