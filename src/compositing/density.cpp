@@ -27,21 +27,6 @@ void DensityRows(unsigned char density, unsigned char *alpha, unsigned int alpha
   });
 }
 
-// The per-pixel loops of the members without a kernel: pixel(coverage, dst).
-template <class Cov, class Dst, class PixelFn>
-void ForEachPixelPair(Cov *coverage, unsigned int covWidth, unsigned int covHeight,
-                      unsigned int covLeft, unsigned int covTop, Dst *dst, unsigned int dstWidth,
-                      unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-                      unsigned int regionWidth, unsigned int regionHeight, const char *caller,
-                      PixelFn &&pixel) {
-  const auto c = MakePlane(coverage, covWidth, covHeight, covLeft, covTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const Extent e = ClipPair(c, d, regionWidth, regionHeight, caller);
-  ForEachRowPair(c, d, e, [&](Cov *cov, Dst *out, std::uint32_t n) {
-    for (std::uint32_t i = 0; i < n; ++i) pixel(cov[i], out[i]);
-  });
-}
-
 std::uint16_t ExactWord(std::uint16_t d, std::uint32_t target, std::uint32_t weight) {
   return static_cast<std::uint16_t>(
       blend::ExactChannel(d, static_cast<std::int32_t>(target), weight));

@@ -3,6 +3,7 @@
 #define OSTREL_COMPOSITING_GREY_BLEND_H
 
 #include "compositing/grey_blend_kernels.h"
+#include "frame/region.h"
 
 namespace ostrel {
 
@@ -17,6 +18,22 @@ void BlendGreysThroughSharedAlpha(unsigned char *src, unsigned char *alpha, unsi
                                   unsigned int dstTop, unsigned char opacity,
                                   unsigned int regionWidth, unsigned int regionHeight,
                                   const char *caller);
+
+// Calls pixel(source value, destination pixel reference) for each pixel of
+// the clipped two-buffer region, rows top to bottom, pixels left to right.
+template <class Cov, class Dst, class PixelFn>
+inline void ForEachPixelPair(Cov *coverage, unsigned int covWidth, unsigned int covHeight,
+                      unsigned int covLeft, unsigned int covTop, Dst *dst, unsigned int dstWidth,
+                      unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                      unsigned int regionWidth, unsigned int regionHeight, const char *caller,
+                      PixelFn &&pixel) {
+  const auto c = MakePlane(coverage, covWidth, covHeight, covLeft, covTop);
+  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const Extent e = ClipPair(c, d, regionWidth, regionHeight, caller);
+  ForEachRowPair(c, d, e, [&](Cov *cov, Dst *out, std::uint32_t n) {
+    for (std::uint32_t i = 0; i < n; ++i) pixel(cov[i], out[i]);
+  });
+}
 
 }  // namespace ostrel
 

@@ -1,6 +1,7 @@
 // Marking and level conversion: two-level masks, 12-bit to 8-bit grey, and
 // marks over a TRC view.
 #include "Ostrel.h"
+#include "compositing/grey_blend.h"
 #include "frame/blend.h"
 #include "frame/region.h"
 
@@ -13,12 +14,8 @@ void ConvertRegion(S *src, unsigned int srcWidth, unsigned int srcHeight, unsign
                    unsigned int srcTop, D *dst, unsigned int dstWidth, unsigned int dstHeight,
                    unsigned int dstLeft, unsigned int dstTop, unsigned int regionWidth,
                    unsigned int regionHeight, const char *caller, Convert &&convert) {
-  const auto s = MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  ForEachRowPair(s, d, ClipPair(s, d, regionWidth, regionHeight, caller),
-                 [&](const S *in, D *out, std::uint32_t n) {
-                   for (std::uint32_t i = 0; i < n; ++i) out[i] = convert(in[i]);
-                 });
+  ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft,
+                   dstTop, regionWidth, regionHeight, caller, [&](S v, D &out) { out = convert(v); });
 }
 
 template <class P>
@@ -91,15 +88,11 @@ void MarkL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHei
                   unsigned char opacity, unsigned int *dst, unsigned int dstWidth,
                   unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                   unsigned int regionWidth, unsigned int regionHeight) {
-  using namespace ostrel;
-  const auto s = MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  ForEachRowPair(s, d, ClipPair(s, d, regionWidth, regionHeight),
-                 [&](const unsigned char *in, unsigned int *out, std::uint32_t n) {
-                   for (std::uint32_t i = 0; i < n; ++i) {
-                     if (selected[in[i]]) out[i] = blend::ExactPixel(out[i], colour, opacity);
-                   }
-                 });
+  ostrel::ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                           dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                           [&](unsigned char v, unsigned int &out) {
+                             if (selected[v]) out = ostrel::blend::ExactPixel(out, colour, opacity);
+                           });
 }
 
 void MarkBG(unsigned char **masks, int *maskIndices, int maskCount, unsigned int maskWidth,
@@ -128,21 +121,17 @@ void MarkL08LimitsToTRCHighBit(unsigned char *src, unsigned int srcWidth, unsign
                                unsigned char high, unsigned int *dst, unsigned int dstWidth,
                                unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                                unsigned int regionWidth, unsigned int regionHeight) {
-  using namespace ostrel;
-  const auto s = MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  ForEachRowPair(s, d, ClipPair(s, d, regionWidth, regionHeight),
-                 [&](const unsigned char *in, unsigned int *out, std::uint32_t n) {
-                   for (std::uint32_t i = 0; i < n; ++i) {
-                     const unsigned char v = in[i];
-                     if (v == 0) continue;
-                     if (v < low) {
-                       out[i] = (out[i] & 0x00FFFFFFu) | 0x80000000u;
-                     } else if (v > high) {
-                       out[i] = (out[i] & 0x00FFFFFFu) | 0x40000000u;
-                     }
-                   }
-                 });
+  ostrel::ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                           dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                           [&](unsigned char v, unsigned int &out) {
+                             if (v == 0) return;
+                             // The alpha byte is replaced: 0x80 below the limits, 0x40 above.
+                             if (v < low) {
+                               out = (out & 0x00FFFFFFu) | 0x80000000u;
+                             } else if (v > high) {
+                               out = (out & 0x00FFFFFFu) | 0x40000000u;
+                             }
+                           });
 }
 
 void DrawContourOfL08toTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
