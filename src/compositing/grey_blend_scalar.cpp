@@ -63,7 +63,12 @@ constexpr GreyBlendKernels MakeScalar() {
 }  // namespace
 
 void LookupRow(const GreyRow &r, const GreyBlend &b) {
-  for (std::size_t i = 0; i < r.n; ++i) r.dst[i] = b.table[r.dst[i]];
+  // Locals: a byte store may alias anything, so the compiler would otherwise
+  // reload the pointers after every store.
+  std::uint8_t *const dst = r.dst;
+  const std::uint8_t *const table = b.table;
+  const std::size_t n = r.n;
+  for (std::size_t i = 0; i < n; ++i) dst[i] = table[dst[i]];
 }
 
 const GreyBlendKernels GreyBlendKernelsScalar = MakeScalar();
