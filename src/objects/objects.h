@@ -62,45 +62,60 @@ class FillEngine {
     int x;
     int y;
   };
+  struct Span {
+    int y;   // the row to scan
+    int x1;  // the filled run of row y - dy, next to it
+    int x2;
+    int dy;
+  };
 
   static T *RowOf(T *buffer, int width, int y) {
     return buffer + static_cast<std::ptrdiff_t>(y) * width;
   }
 
-  // Pushes one seed for every run of target pixels of row y in columns
-  // first .. last.
-  void PushRuns(T *row, int y, int first, int last, T target) {
-    int i = first;
-    while (i <= last) {
-      if (row[i] == target) {
-        stack_.push_back(Seed{i, y});
-        while (i <= last && row[i] == target) ++i;
-      } else {
-        ++i;
-      }
-    }
-  }
-
-  // Scanline fill: each popped seed grows to its whole run within the
-  // limits, which is filled at once; the rows above and below get one seed
-  // per run of target pixels beside it.
+  // Scanline fill. The seed's run is filled first; each stack entry then
+  // names a row to scan and the run of the row it came from (dy: the step
+  // from that row to this one). Every run found there that touches the
+  // parent run is grown to its full length within the limits, filled, and
+  // hands on the row beyond it; where the new run overhangs its parent, the
+  // overhang is also looked at in the parent's row, which is all the
+  // rescanning needed: runs are always grown to full length, so the parent
+  // row's pixel just outside the parent run is never of the target value.
   std::size_t FillSpans(T *buffer, int width, int x, int y, const FillLimits &limits, T target,
                         T fill) {
-    std::size_t filled = 0;
     stack_.clear();
-    stack_.push_back(Seed{x, y});
+    const auto push = [&](int row, int x1, int x2, int dy) {
+      if (row >= limits.top && row <= limits.bottom) stack_.push_back(Span{row, x1, x2, dy});
+    };
+    T *row = RowOf(buffer, width, y);
+    int first = x, last = x;
+    while (first > limits.left && row[first - 1] == target) --first;
+    while (last < limits.right && row[last + 1] == target) ++last;
+    for (int i = first; i <= last; ++i) row[i] = fill;
+    std::size_t filled = static_cast<std::size_t>(last - first + 1);
+    push(y - 1, first, last, -1);
+    push(y + 1, first, last, 1);
     while (!stack_.empty()) {
-      const Seed s = stack_.back();
+      const Span s = stack_.back();
       stack_.pop_back();
-      T *row = RowOf(buffer, width, s.y);
-      if (row[s.x] != target) continue;  // filled since it was pushed
-      int first = s.x, last = s.x;
-      while (first > limits.left && row[first - 1] == target) --first;
-      while (last < limits.right && row[last + 1] == target) ++last;
-      for (int i = first; i <= last; ++i) row[i] = fill;
-      filled += static_cast<std::size_t>(last - first + 1);
-      if (s.y > limits.top) PushRuns(row - width, s.y - 1, first, last, target);
-      if (s.y < limits.bottom) PushRuns(row + width, s.y + 1, first, last, target);
+      row = RowOf(buffer, width, s.y);
+      for (int i = s.x1; i <= s.x2;) {
+        if (row[i] != target) {
+          ++i;
+          continue;
+        }
+        int l = i, r = i;
+        if (i == s.x1) {
+          while (l > limits.left && row[l - 1] == target) --l;
+        }
+        while (r < limits.right && row[r + 1] == target) ++r;
+        for (int j = l; j <= r; ++j) row[j] = fill;
+        filled += static_cast<std::size_t>(r - l + 1);
+        push(s.y + s.dy, l, r, s.dy);
+        if (l < s.x1 - 1) push(s.y - s.dy, l, s.x1 - 2, -s.dy);
+        if (r > s.x2 + 1) push(s.y - s.dy, s.x2 + 2, r, -s.dy);
+        i = r + 2;  // r + 1 is not of the target value, or past the limits
+      }
     }
     return filled;
   }
@@ -111,18 +126,18 @@ class FillEngine {
                            T target, T fill) {
     std::size_t filled = 1;
     RowOf(buffer, width, y)[x] = fill;
-    stack_.clear();
-    stack_.push_back(Seed{x, y});
+    seeds_.clear();
+    seeds_.push_back(Seed{x, y});
     const auto visit = [&](int nx, int ny) {
       T &p = RowOf(buffer, width, ny)[nx];
       if (p != target) return;
       p = fill;
       ++filled;
-      stack_.push_back(Seed{nx, ny});
+      seeds_.push_back(Seed{nx, ny});
     };
-    while (!stack_.empty()) {
-      const Seed s = stack_.back();
-      stack_.pop_back();
+    while (!seeds_.empty()) {
+      const Seed s = seeds_.back();
+      seeds_.pop_back();
       if (s.x < limits.right) visit(s.x + 1, s.y);
       if (s.x > limits.left) visit(s.x - 1, s.y);
       if (s.y < limits.bottom) visit(s.x, s.y + 1);
@@ -131,7 +146,8 @@ class FillEngine {
     return filled;
   }
 
-  std::vector<Seed> stack_;
+  std::vector<Span> stack_;
+  std::vector<Seed> seeds_;
 };
 
 }  // namespace objects
