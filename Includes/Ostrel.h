@@ -1267,6 +1267,8 @@ struct SFeature {
 // or cannot be allocated (then the tables stay empty, and further calls
 // return -1 until ReleaseFeatureTables). Not thread-safe: initialisation,
 // release and extractions that measure the orientation must not overlap.
+// Measuring the orientation without tables is a caller error that stops the
+// process as an integer division by zero does (the checked build reports it).
 OSTREL_API int InitFeatureTables(int marker, double angleSteps);
 
 // Frees the angle tables. Returns 0.
@@ -1276,8 +1278,9 @@ OSTREL_API int ReleaseFeatureTables();
 // the clamped region of labels (values: a buffer of the same geometry whose
 // values, 0 .. 255, make the histograms) into features[0 .. objectCount-1].
 // The perimeter is traced from each object's first pixel in raster order.
-// The orientation is the start of the heaviest window of N/5 angle bins,
-// each pixel weighted by its squared distance from the centroid; its offsets
+// The orientation is the start of the heaviest window of 2 * (N / 10) angle
+// bins, each pixel weighted by its squared distance from the centroid (ties:
+// the first window), minus pi; its offsets
 // are taken with the region's column and row against the centroid in buffer
 // coordinates, so a region away from the origin shifts them by left and top.
 //

@@ -50,6 +50,14 @@ TEST(CheckedBuildDeathTest, CallerErrorsAbortNamingFunctionAndCondition) {
          Fill<unsigned char>(mask, 2, 2, 0, 0, 0, 0, 1, 1, 5, nullptr);
        },
        "Ostrel: caller error in Fill: fillValue != target"},
+      {[] {
+         int labels[16] = {};
+         SFeature f;
+         unsigned char aborted;
+         MultiObjectFeatureExtract<int>(labels, 4, 4, 0, 0, 4, 4, labels, 1, 1, &f,
+                                        static_cast<EFeaturesNeeded>(7), &aborted);
+       },
+       "Ostrel: caller error in MultiObjectFeatureExtract: .*accumulator != nullptr"},
   };
   for (const auto &e : errors) EXPECT_DEATH(e.call(), e.message);
 }
