@@ -15,27 +15,29 @@ namespace {
 using namespace grey_test;
 
 TEST(AlphaTables, ApplyAlphaToL08MatchesModelInEveryPath) {
-  std::mt19937 rng(3);
-  for (int round = 0; round < 320; ++round) {
-    const bool flat = round % 2, exact = round / 2 % 2, flag = round / 4 % 2;
-    const u8 opacity = round / 8 % 2 ? 255 : u8(TurnByte(rng));
-    const u32 w = 9 + rng() % 5, h = 5, l = rng() % 6, t = rng() % 4, rw = rng() % 12, rh = rng() % 6;
-    auto buf = Random<u8>(w * h, [&] { return TurnByte(rng); });
-    const auto alpha = Random<u8>(w * h, [&] { return TurnByte(rng); });
-    auto want = buf;
-    const bool fast = !exact && flag && !flat;
-    for (u32 j = t; j < std::min(h, t + rh); ++j) {
-      for (u32 i = l; i < std::min(w, l + rw); ++i) {
-        const int a = alpha[j * w + i];
-        u8 &d = want[j * w + i];
-        if (fast) d = u8(d * (opacity == 255 ? a : a * opacity / 256) / 256);
-        else d = u8(d * (flat ? (a ? opacity : 0) : a * opacity / 255) / 255);
+  ForEachIsa([] {
+    std::mt19937 rng(3);
+    for (int round = 0; round < 320; ++round) {
+      const bool flat = round % 2, exact = round / 2 % 2, flag = round / 4 % 2;
+      const u8 opacity = round / 8 % 2 ? 255 : u8(TurnByte(rng));
+      const u32 w = 9 + rng() % 5, h = 5, l = rng() % 6, t = rng() % 4, rw = rng() % 12, rh = rng() % 6;
+      auto buf = Random<u8>(w * h, [&] { return TurnByte(rng); });
+      const auto alpha = Random<u8>(w * h, [&] { return TurnByte(rng); });
+      auto want = buf;
+      const bool fast = !exact && flag && !flat;
+      for (u32 j = t; j < std::min(h, t + rh); ++j) {
+        for (u32 i = l; i < std::min(w, l + rw); ++i) {
+          const int a = alpha[j * w + i];
+          u8 &d = want[j * w + i];
+          if (fast) d = u8(d * (opacity == 255 ? a : a * opacity / 256) / 256);
+          else d = u8(d * (flat ? (a ? opacity : 0) : a * opacity / 255) / 255);
+        }
       }
+      FastFlag f(flag);
+      ApplyAlphaToL08(buf.data(), const_cast<u8 *>(alpha.data()), w, h, l, t, opacity, flat, rw, rh, exact);
+      ASSERT_EQ(buf, want) << "round " << round << ", flat " << flat << ", exact " << exact << ", flag " << flag;
     }
-    FastFlag f(flag);
-    ApplyAlphaToL08(buf.data(), const_cast<u8 *>(alpha.data()), w, h, l, t, opacity, flat, rw, rh, exact);
-    ASSERT_EQ(buf, want) << "round " << round << ", flat " << flat << ", exact " << exact << ", flag " << flag;
-  }
+  });
 }
 
 TEST(AlphaTables, HandComputedPixels) {

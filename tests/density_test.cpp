@@ -70,31 +70,33 @@ TEST(DensityBlend, HandComputedPixels) {
 // L08 members on random scenes: alpha 13 wide, destination 11 wide (so the
 // region is cut by either), odd widths, every column count 0..12.
 TEST(DensityBlend, L08MembersMatchModelOnClippedScenes) {
-  std::mt19937 rng(5);
-  for (int round = 0; round < 400; ++round) {
-    const bool inverted = round % 2, fastAsked = round % 4 >= 2, flag = round % 8 < 6;
-    const u32 aw = 13, ah = 6, al = rng() % 4, at = rng() % 3, dw = 11, dh = 7, dl = rng() % 5, dt = rng() % 4;
-    const u32 rw = rng() % 13, rh = rng() % 6;
-    const u8 density = u8(TurnByte(rng)), opacity = u8(TurnByte(rng));
-    auto alpha = Random<u8>(aw * ah, [&] { return TurnByte(rng); });
-    auto dst = Random<u8>(dw * dh, [&] { return TurnByte(rng); });
-    auto want = dst;
-    const bool fast = fastAsked && flag;
-    const u32 cols = std::min(dw, dl + (std::min(aw, al + rw) - al)) - dl;
-    const u32 rows = std::min(dh, dt + (std::min(ah, at + rh) - at)) - dt;
-    for (u32 j = 0; j < rows; ++j) {
-      for (u32 i = 0; i < cols; ++i) {
-        int c = alpha[(at + j) * aw + al + i];
-        if (inverted) c = 255 - c;
-        u8 &d = want[(dt + j) * dw + dl + i];
-        d = u8(fast ? FastMix(d, density, c * opacity / 256) : ExactMix(d, density, c * opacity / 255));
+  ForEachIsa([] {
+    std::mt19937 rng(5);
+    for (int round = 0; round < 400; ++round) {
+      const bool inverted = round % 2, fastAsked = round % 4 >= 2, flag = round % 8 < 6;
+      const u32 aw = 13, ah = 6, al = rng() % 4, at = rng() % 3, dw = 11, dh = 7, dl = rng() % 5, dt = rng() % 4;
+      const u32 rw = rng() % 13, rh = rng() % 6;
+      const u8 density = u8(TurnByte(rng)), opacity = u8(TurnByte(rng));
+      auto alpha = Random<u8>(aw * ah, [&] { return TurnByte(rng); });
+      auto dst = Random<u8>(dw * dh, [&] { return TurnByte(rng); });
+      auto want = dst;
+      const bool fast = fastAsked && flag;
+      const u32 cols = std::min(dw, dl + (std::min(aw, al + rw) - al)) - dl;
+      const u32 rows = std::min(dh, dt + (std::min(ah, at + rh) - at)) - dt;
+      for (u32 j = 0; j < rows; ++j) {
+        for (u32 i = 0; i < cols; ++i) {
+          int c = alpha[(at + j) * aw + al + i];
+          if (inverted) c = 255 - c;
+          u8 &d = want[(dt + j) * dw + dl + i];
+          d = u8(fast ? FastMix(d, density, c * opacity / 256) : ExactMix(d, density, c * opacity / 255));
+        }
       }
+      FastFlag f(flag);
+      (inverted ? AlphaBlendDensityToL08Inverted : AlphaBlendDensityToL08)(
+          density, alpha.data(), aw, ah, al, at, dst.data(), dw, dh, dl, dt, opacity, rw, rh, !fastAsked);
+      ASSERT_EQ(dst, want) << "round " << round;
     }
-    FastFlag f(flag);
-    (inverted ? AlphaBlendDensityToL08Inverted : AlphaBlendDensityToL08)(
-        density, alpha.data(), aw, ah, al, at, dst.data(), dw, dh, dl, dt, opacity, rw, rh, !fastAsked);
-    ASSERT_EQ(dst, want) << "round " << round;
-  }
+  });
 }
 
 TEST(DensityBlend, BlueOfTrcModes) {

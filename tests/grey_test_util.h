@@ -2,10 +2,14 @@
 #ifndef OSTREL_TESTS_GREY_TEST_UTIL_H
 #define OSTREL_TESTS_GREY_TEST_UTIL_H
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <random>
+#include <string>
 #include <vector>
 
+#include "frame/dispatch.h"
 #include "frame/module.h"
 
 namespace grey_test {
@@ -27,6 +31,19 @@ class FastFlag {
  private:
   int saved_;
 };
+
+// Runs body once under each instruction set the processor offers (scalar
+// kernels first), then restores the best.
+template <class Body>
+void ForEachIsa(Body &&body) {
+  using ostrel::simd::Isa;
+  for (int isa = 0; isa <= static_cast<int>(ostrel::simd::SupportedIsa()); ++isa) {
+    SCOPED_TRACE("instruction set " + std::to_string(isa));
+    ostrel::simd::LimitIsaForTesting(static_cast<Isa>(isa));
+    body();
+  }
+  ostrel::simd::LimitIsaForTesting(Isa::kAvx2);
+}
 
 // Exact form: d + ((s - d) * W) / 255 truncated toward zero.
 inline int ExactMix(int d, int s, int w) { return d + (s - d) * w / 255; }

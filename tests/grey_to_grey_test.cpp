@@ -80,27 +80,29 @@ void Model(Scene &s) {
 }
 
 TEST(GreyToGreyBlend, EveryMemberAndModeMatchesModel) {
-  std::mt19937 rng(11);
-  auto word = [&] {
-    static const u16 kTurns[] = {0, 0, 1, 254, 255, 256, 4095, 4096, 65535};
-    return rng() % 2 ? kTurns[rng() % 9] : rng() & 0xFFF;
-  };
-  for (int round = 0; round < 1600; ++round) {
-    Scene s;
-    s.m = round % kMembers;
-    s.withAlpha = round / kMembers % 2, s.blendZero = u8(round / (2 * kMembers) % 2 * (1 + rng() % 255));
-    s.twoLevel = round / (4 * kMembers) % 2;
-    s.sl = rng() % 5, s.st = rng() % 3, s.dl = rng() % 5, s.dt = rng() % 4, s.al = rng() % 3, s.at = rng() % 3;
-    s.rw = rng() % 10, s.rh = rng() % 6, s.opacity = u8(TurnByte(rng));
-    s.src = Random<u16>(s.sw * s.sh, [&] { return Is12(s.m) ? word() : TurnByte(rng) * (rng() % 3 != 0); });
-    s.dst = Random<u16>(s.dw * s.dh + 1, [&] { return Is12(s.m) ? word() : TurnByte(rng); });
-    s.alpha = Random<u8>(OwnAlpha(s.m) ? s.aw * 9 : s.sw * s.sh, [&] { return TurnByte(rng); });
-    Scene want = s;
-    Model(want);
-    RunMember(s);
-    ASSERT_EQ(s.dst, want.dst) << "member " << s.m << ", alpha " << s.withAlpha << ", blendZero "
-                               << int(s.blendZero) << ", twoLevel " << s.twoLevel << ", round " << round;
-  }
+  ForEachIsa([] {
+    std::mt19937 rng(11);
+    auto word = [&] {
+      static const u16 kTurns[] = {0, 0, 1, 254, 255, 256, 4095, 4096, 65535};
+      return rng() % 2 ? kTurns[rng() % 9] : rng() & 0xFFF;
+    };
+    for (int round = 0; round < 1600; ++round) {
+      Scene s;
+      s.m = round % kMembers;
+      s.withAlpha = round / kMembers % 2, s.blendZero = u8(round / (2 * kMembers) % 2 * (1 + rng() % 255));
+      s.twoLevel = round / (4 * kMembers) % 2;
+      s.sl = rng() % 5, s.st = rng() % 3, s.dl = rng() % 5, s.dt = rng() % 4, s.al = rng() % 3, s.at = rng() % 3;
+      s.rw = rng() % 10, s.rh = rng() % 6, s.opacity = u8(TurnByte(rng));
+      s.src = Random<u16>(s.sw * s.sh, [&] { return Is12(s.m) ? word() : TurnByte(rng) * (rng() % 3 != 0); });
+      s.dst = Random<u16>(s.dw * s.dh + 1, [&] { return Is12(s.m) ? word() : TurnByte(rng); });
+      s.alpha = Random<u8>(OwnAlpha(s.m) ? s.aw * 9 : s.sw * s.sh, [&] { return TurnByte(rng); });
+      Scene want = s;
+      Model(want);
+      RunMember(s);
+      ASSERT_EQ(s.dst, want.dst) << "member " << s.m << ", alpha " << s.withAlpha << ", blendZero "
+                                 << int(s.blendZero) << ", twoLevel " << s.twoLevel << ", round " << round;
+    }
+  });
 }
 
 TEST(GreyToGreyBlend, HandComputedPixels) {

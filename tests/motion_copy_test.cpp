@@ -4,11 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <string>
 #include <vector>
 
 #include "Ostrel.h"
-#include "frame/dispatch.h"
 #include "grey_test_util.h"
 
 namespace {
@@ -77,15 +75,11 @@ void MovesMatchCopyThroughTemporary(unsigned seed) {
 // Under every instruction set: the 8-bit rows that do not alias run through
 // the vector kernels.
 TEST(MotionCopy, MovesInsideOneBufferMatchCopyThroughTemporary) {
-  using ostrel::simd::Isa;
-  for (int isa = 0; isa <= static_cast<int>(ostrel::simd::SupportedIsa()); ++isa) {
-    SCOPED_TRACE("instruction set " + std::to_string(isa));
-    ostrel::simd::LimitIsaForTesting(static_cast<Isa>(isa));
+  ForEachIsa([] {
     MovesMatchCopyThroughTemporary<u8>(1);
     MovesMatchCopyThroughTemporary<u16>(2);
     MovesMatchCopyThroughTemporary<u32>(3);
-  }
-  ostrel::simd::LimitIsaForTesting(Isa::kAvx2);
+  });
 }
 
 // A 1-wide or 1-high buffer walked in the wrong and the right order.

@@ -22,7 +22,11 @@ std::uint32_t Sample(unsigned int v, double scale, unsigned int last) {
 
 void BlendBgr(unsigned int pixelBytes, const unsigned char *alpha, unsigned int alphaWidth,
               unsigned int alphaHeight, unsigned int colour, unsigned char *dst,
-              unsigned int dstWidth, unsigned int dstHeight, double scaleX, double scaleY) {
+              unsigned int dstWidth, unsigned int dstHeight, double scaleX, double scaleY,
+              const char *caller) {
+  // An empty coverage picture makes the clamp wrap: a caller error.
+  OSTREL_EXPECT(caller, dstWidth == 0 || dstHeight == 0 || alphaWidth != 0);
+  OSTREL_EXPECT(caller, dstWidth == 0 || dstHeight == 0 || alphaHeight != 0);
   const std::size_t alphaRow = RowBytes(alphaWidth, pixelBytes);
   const std::size_t dstRow = RowBytes(dstWidth, pixelBytes);
   for (unsigned int y = 0; y < dstHeight; ++y) {
@@ -47,7 +51,7 @@ void AlphaBlendBGR24AlphaToBGR24(unsigned char *alpha, unsigned int alphaWidth,
                                  unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
                                  double scaleX, double scaleY) {
   ostrel::BlendBgr(3, alpha, alphaWidth, alphaHeight, colour, dst, dstWidth, dstHeight, scaleX,
-                   scaleY);
+                   scaleY, __func__);
 }
 
 void AlphaBlendBGR32AlphaToBGR32(unsigned char *alpha, unsigned int alphaWidth,
@@ -55,5 +59,5 @@ void AlphaBlendBGR32AlphaToBGR32(unsigned char *alpha, unsigned int alphaWidth,
                                  unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
                                  double scaleX, double scaleY) {
   ostrel::BlendBgr(4, alpha, alphaWidth, alphaHeight, colour, dst, dstWidth, dstHeight, scaleX,
-                   scaleY);
+                   scaleY, __func__);
 }

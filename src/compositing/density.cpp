@@ -34,28 +34,6 @@ std::uint16_t ExactWord(std::uint16_t d, std::uint32_t target, std::uint32_t wei
 
 }  // namespace
 
-void BlendGreysThroughSharedAlpha(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
-                                  unsigned int srcHeight, unsigned int srcLeft,
-                                  unsigned int srcTop, unsigned char *dst, unsigned int dstWidth,
-                                  unsigned int dstHeight, unsigned int dstLeft,
-                                  unsigned int dstTop, unsigned char opacity,
-                                  unsigned int regionWidth, unsigned int regionHeight,
-                                  const char *caller) {
-  const auto s = MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto a = MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const Extent e = ClipPair(s, d, regionWidth, regionHeight, caller);
-  GreyBlend blend;
-  blend.opacity = opacity;
-  const GreyRowKernel kernel = ActiveGreyBlendKernels().greysByAlpha;
-  for (std::uint32_t j = 0; j < e.rows; ++j) {
-    GreyRow row{d.Row(j), e.columns};
-    row.src = s.Row(j);
-    row.alpha = a.Row(j);
-    kernel(row, blend);
-  }
-}
-
 }  // namespace ostrel
 
 using ostrel::ActiveGreyBlendKernels;
@@ -197,7 +175,9 @@ void AlphaBlendL08WithAlphaBufferToL08(unsigned char *src, unsigned char *alpha,
                                        unsigned int dstTop, unsigned char opacity,
                                        unsigned int regionWidth, unsigned int regionHeight,
                                        bool /*exact*/) {
-  ostrel::BlendGreysThroughSharedAlpha(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst,
-                                       dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth,
-                                       regionHeight, __func__);
+  using ostrel::MakePlane;
+  ostrel::BlendGreysThroughAlpha(MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
+                                 MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
+                                 MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth,
+                                 regionHeight, opacity, false, __func__);
 }

@@ -7,17 +7,15 @@
 
 namespace ostrel {
 
-// Every pixel of the clipped region moves toward the source byte by
-// W = (alpha * opacity) / 255 (exact form); the alpha buffer has the
-// source's geometry. caller names the exported function for the checked
-// build's reports.
-void BlendGreysThroughSharedAlpha(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
-                                  unsigned int srcHeight, unsigned int srcLeft,
-                                  unsigned int srcTop, unsigned char *dst, unsigned int dstWidth,
-                                  unsigned int dstHeight, unsigned int dstLeft,
-                                  unsigned int dstTop, unsigned char opacity,
-                                  unsigned int regionWidth, unsigned int regionHeight,
-                                  const char *caller);
+// Every pixel of the region (clipped against source and destination) moves
+// toward its source byte by W = (alpha * opacity) / 255, exact form; with
+// twoLevel a result that is not 0 becomes 255. The alpha plane, never null,
+// takes no part in clipping. caller names the exported function for the
+// checked build's reports.
+void BlendGreysThroughAlpha(const Plane<unsigned char> &src, const Plane<unsigned char> &alpha,
+                            const Plane<unsigned char> &dst, unsigned int regionWidth,
+                            unsigned int regionHeight, unsigned char opacity, bool twoLevel,
+                            const char *caller);
 
 // Calls pixel(source value, destination pixel reference) for each pixel of
 // the clipped two-buffer region, rows top to bottom, pixels left to right.

@@ -101,6 +101,24 @@ void BlendL12Shared(unsigned short *src, unsigned char *alpha, unsigned int srcW
 }
 
 }  // namespace
+
+void BlendGreysThroughAlpha(const Plane<unsigned char> &src, const Plane<unsigned char> &alpha,
+                            const Plane<unsigned char> &dst, unsigned int regionWidth,
+                            unsigned int regionHeight, unsigned char opacity, bool twoLevel,
+                            const char *caller) {
+  GreyBlend blend;
+  blend.opacity = opacity;
+  const GreyBlendKernels &kernels = ActiveGreyBlendKernels();
+  const GreyRowKernel kernel = twoLevel ? kernels.greysByAlphaTwoLevel : kernels.greysByAlpha;
+  GreyRows(src, alpha, dst, regionWidth, regionHeight, caller,
+           [&](const unsigned char *s, const unsigned char *a, unsigned char *d, std::uint32_t n) {
+             GreyRow row{d, n};
+             row.src = s;
+             row.alpha = a;
+             kernel(row, blend);
+           });
+}
+
 }  // namespace ostrel
 
 using ostrel::GreyMode;
@@ -112,11 +130,12 @@ void AlphaBlendL08ToL08(unsigned char *src, unsigned char *alpha, unsigned int s
                         unsigned char blendZero, bool twoLevel, unsigned int regionWidth,
                         unsigned int regionHeight, bool /*exact*/) {
   using namespace ostrel;
-  if (alpha != nullptr && blendZero != 0 && !twoLevel) {
-    // The common case is the plain blend through the alpha buffer: one kernel.
-    BlendGreysThroughSharedAlpha(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                                 dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
-                                 __func__);
+  if (alpha != nullptr && blendZero != 0) {
+    // Every pixel blended through the alpha buffer: the row kernels.
+    BlendGreysThroughAlpha(MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
+                           MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
+                           MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth,
+                           regionHeight, opacity, twoLevel, __func__);
     return;
   }
   const GreyMode m{opacity, blendZero != 0, false, twoLevel ? 255u : 0u};
@@ -131,6 +150,14 @@ void AlphaBlendL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int 
                         unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                         unsigned char opacity, unsigned char blendZero, bool twoLevel,
                         unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
+  using ostrel::MakePlane;
+  if (alpha != nullptr && blendZero != 0) {
+    ostrel::BlendGreysThroughAlpha(MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
+                                   MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop),
+                                   MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop),
+                                   regionWidth, regionHeight, opacity, twoLevel, __func__);
+    return;
+  }
   const GreyMode m{opacity, blendZero != 0, false, twoLevel && alpha != nullptr ? 255u : 0u};
   ostrel::BlendOwn(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
                    alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth,

@@ -46,6 +46,7 @@ void MotionCopy(P *src, unsigned int srcWidth, unsigned int srcHeight, unsigned 
   const Extent e = ClipPair(s, d, regionWidth, regionHeight, caller);
   const auto order = static_cast<std::uint32_t>(mode);
   if (order > 3 || e.rows == 0) return;
+  OSTREL_EXPECT(caller, alpha != nullptr);
   const bool upward = (order & 1u) != 0, leftward = (order & 2u) != 0;
   for (std::uint32_t k = 0; k < e.rows; ++k) {
     const std::uint32_t j = upward ? e.rows - 1 - k : k;
