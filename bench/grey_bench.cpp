@@ -16,7 +16,8 @@
 //
 // Each job has two pairs: ours against the scalar definition ("scalar": the
 // rule written as a plain per-pixel loop, whose bytes must come out the
-// same), and ours against the same-traffic kernel ("/traffic": a loop that
+// same; the compiler is free to vectorise it, and does for the fast forms,
+// whose shifts it can widen, but not for the exact divisions by 255), and ours against the same-traffic kernel ("/traffic": a loop that
 // reads the job's source bytes and reads and writes each destination byte
 // once, held to its own loop; ours is then held to the scalar definition).
 #include <cstddef>
