@@ -4,119 +4,91 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
 #include <vector>
 
 #include "Ostrel.h"
 
 namespace {
 
-struct Traced {
-  double length;
-  std::vector<CPoint> points;
-};
+using Points = std::vector<std::pair<int, int>>;
+const double kPi = 3.14159265358979323846;
 
-// Traces from (sx, sy) in a w x h mask holding objectValue 1 wherever
-// `inside` says, the region being the whole buffer unless given.
+// Traces from (sx, sy) in a w x h mask holding 1 where `inside` says, in the
+// region (left, top, rw, rh), by default the whole buffer. Also checks that
+// without point output the length is the same and the count 0.
 template <class T, class Inside>
-Traced Trace(int w, int h, int sx, int sy, Inside inside, int left = 0, int top = 0,
-             int rw = -1, int rh = -1) {
+double Trace(int w, int h, int sx, int sy, Inside inside, Points *points, int left = 0,
+             int top = 0, int rw = -1, int rh = -1) {
   std::vector<T> b(w * h);
-  for (int y = 0; y < h; ++y)
-    for (int x = 0; x < w; ++x) b[y * w + x] = inside(x, y) ? 1 : 0;
+  for (int i = 0; i < w * h; ++i) b[i] = inside(i % w, i / w) ? 1 : 0;
   if (rw < 0) rw = w, rh = h;
-  std::vector<CPoint> points(rw * rh + 2, CPoint{-7, -7});
-  int count = -1;
-  Traced t;
-  t.length = FollowContour<T>(b.data(), b.data() + sy * w + sx, w, h, left, top, rw, rh, 1,
-                              points.data(), &count);
-  points.resize(count);
-  t.points = points;
-  // Without point output the length is the same and the count is 0.
-  int noCount = -1;
-  EXPECT_EQ(FollowContour<T>(b.data(), b.data() + sy * w + sx, w, h, left, top, rw, rh, 1,
-                             nullptr, &noCount),
-            t.length);
+  std::vector<CPoint> out(rw * rh + 2);
+  int count = -1, noCount = -1;
+  T *start = b.data() + sy * w + sx;
+  const double length = FollowContour<T>(b.data(), start, w, h, left, top, rw, rh, 1, out.data(), &count);
+  EXPECT_EQ(FollowContour<T>(b.data(), start, w, h, left, top, rw, rh, 1, nullptr, &noCount), length);
   EXPECT_EQ(noCount, 0);
-  return t;
-}
-
-bool Same(const std::vector<CPoint> &a, const std::vector<std::pair<int, int>> &b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i)
-    if (a[i].x != b[i].first || a[i].y != b[i].second) return false;
-  return true;
+  points->clear();
+  for (int i = 0; i < count; ++i) points->emplace_back(out[i].x, out[i].y);
+  return length;
 }
 
 TEST(ObjectsFollowContour, SmallShapes) {
-  // Isolated pixel: nothing.
-  Traced t = Trace<unsigned char>(5, 5, 2, 2, [](int x, int y) { return x == 2 && y == 2; });
-  EXPECT_EQ(t.length, 0.0);
-  EXPECT_TRUE(t.points.empty());
-  // Two pixels side by side: right and back, the closing step not counted.
-  t = Trace<int>(5, 5, 2, 2, [](int x, int y) { return y == 2 && (x == 2 || x == 3); });
-  EXPECT_EQ(t.length, 1.0);
-  EXPECT_TRUE(Same(t.points, {{2, 2}, {3, 2}}));
-  // A 3 x 3 square, clockwise from its upper left pixel.
-  t = Trace<unsigned char>(7, 7, 2, 2, [](int x, int y) { return x >= 2 && x <= 4 && y >= 2 && y <= 4; });
-  EXPECT_EQ(t.length, 7.0);
-  EXPECT_TRUE(Same(t.points, {{2, 2}, {3, 2}, {4, 2}, {4, 3}, {4, 4}, {3, 4}, {2, 4}, {2, 3}}));
-  // A diagonal line of three pixels: out along the diagonal and back.
-  t = Trace<int>(7, 7, 2, 2, [](int x, int y) { return x == y && x >= 2 && x <= 4; });
-  EXPECT_DOUBLE_EQ(t.length, 3 * std::sqrt(2.0));
-  EXPECT_TRUE(Same(t.points, {{2, 2}, {3, 3}, {4, 4}, {3, 3}}));
-  // Start on the region's last column, walking right out of it: one point.
-  t = Trace<unsigned char>(8, 5, 3, 2, [](int x, int y) { return y == 2 && x >= 2 && x <= 5; },
-                           0, 0, 4, 5);
-  EXPECT_EQ(t.length, 0.0);
-  EXPECT_TRUE(Same(t.points, {{3, 2}}));
+  Points p;
+  EXPECT_EQ(Trace<unsigned char>(5, 5, 2, 2, [](int x, int y) { return x == 2 && y == 2; }, &p), 0.0);
+  EXPECT_TRUE(p.empty());  // an isolated pixel
+  EXPECT_EQ(Trace<int>(5, 5, 2, 2, [](int x, int y) { return y == 2 && (x == 2 || x == 3); }, &p), 1.0);
+  EXPECT_EQ(p, (Points{{2, 2}, {3, 2}}));  // right and back, the closing step not counted
+  EXPECT_EQ(Trace<unsigned char>(7, 7, 2, 2, [](int x, int y) { return x >= 2 && x <= 4 && y >= 2 && y <= 4; }, &p),
+            7.0);
+  EXPECT_EQ(p, (Points{{2, 2}, {3, 2}, {4, 2}, {4, 3}, {4, 4}, {3, 4}, {2, 4}, {2, 3}}));
+  EXPECT_DOUBLE_EQ(Trace<int>(7, 7, 2, 2, [](int x, int y) { return x == y && x >= 2 && x <= 4; }, &p),
+                   3 * std::sqrt(2.0));
+  EXPECT_EQ(p, (Points{{2, 2}, {3, 3}, {4, 4}, {3, 3}}));  // a diagonal, out and back
 }
 
-TEST(ObjectsFollowContour, FilledRectangles) {
+TEST(ObjectsFollowContour, FilledRectanglesCornersAndLength) {
+  Points p;
   for (int w = 2; w <= 9; ++w) {
     for (int h = 2; h <= 7; ++h) {
-      const Traced t = Trace<unsigned char>(w + 4, h + 4, 2, 2, [&](int x, int y) {
-        return x >= 2 && x < 2 + w && y >= 2 && y < 2 + h;
-      });
+      const auto rect = [&](int x, int y) { return x >= 2 && x < 2 + w && y >= 2 && y < 2 + h; };
       const int steps = 2 * (w - 1) + 2 * (h - 1);
-      ASSERT_EQ(static_cast<int>(t.points.size()), steps) << w << "x" << h;
-      EXPECT_EQ(t.length, steps - 1) << w << "x" << h;
+      EXPECT_EQ(Trace<unsigned char>(w + 4, h + 4, 2, 2, rect, &p), steps - 1);
+      ASSERT_EQ(static_cast<int>(p.size()), steps) << w << "x" << h;
       const int r = 2 + w - 1, b = 2 + h - 1;
-      EXPECT_EQ(t.points[w - 1].x, r);
-      EXPECT_EQ(t.points[w - 1].y, 2);
-      EXPECT_EQ(t.points[w - 1 + h - 1].x, r);
-      EXPECT_EQ(t.points[w - 1 + h - 1].y, b);
-      EXPECT_EQ(t.points[2 * (w - 1) + h - 1].x, 2);
-      EXPECT_EQ(t.points[2 * (w - 1) + h - 1].y, b);
+      EXPECT_EQ(p[w - 1], std::make_pair(r, 2));
+      EXPECT_EQ(p[w - 1 + h - 1], std::make_pair(r, b));
+      EXPECT_EQ(p[2 * (w - 1) + h - 1], std::make_pair(2, b));
     }
   }
+}
+
+TEST(ObjectsFollowContour, RegionExitAndRunawayGuard) {
+  Points p;
+  const auto bar = [](int x, int y) { return y == 2 && x >= 2 && x < 14; };  // 12 x 1
+  EXPECT_EQ(Trace<unsigned char>(16, 5, 2, 2, bar, &p, 0, 0, 16, 3), 21.0);  // out 11, back 10
+  // Start on the region's last column: the first step leaves it, one point.
+  EXPECT_EQ(Trace<unsigned char>(16, 5, 2, 2, bar, &p, 0, 0, 3, 3), 0.0);
+  EXPECT_EQ(p, (Points{{2, 2}}));
+  // Only row 2 (guard 16): the step taken at length 17 is refused.
+  EXPECT_EQ(Trace<int>(16, 5, 2, 2, bar, &p, 0, 2, 16, 1), 17.0);
+  EXPECT_EQ(p.size(), 18u);
+  EXPECT_EQ(p.back(), std::make_pair(7, 2));
 }
 
 TEST(ObjectsFollowContour, DigitalDiscNearCircumference) {
   const int r = 40, n = 2 * r + 5, c = n / 2;
   const auto disc = [&](int x, int y) { return (x - c) * (x - c) + (y - c) * (y - c) <= r * r; };
-  const Traced t = Trace<int>(n, n, c, c - r, disc);
-  const double circle = 2 * 3.14159265358979 * r;
-  EXPECT_GT(t.length, 0.95 * circle);
-  EXPECT_LT(t.length, 1.12 * circle);
-  // Every point is an object pixel with a background 4-neighbour.
-  for (const CPoint &p : t.points) {
-    ASSERT_TRUE(disc(p.x, p.y));
-    EXPECT_FALSE(disc(p.x - 1, p.y) && disc(p.x + 1, p.y) && disc(p.x, p.y - 1) && disc(p.x, p.y + 1));
+  Points p;
+  const double length = Trace<int>(n, n, c, c - r, disc, &p);
+  EXPECT_GT(length, 0.95 * 2 * kPi * r);
+  EXPECT_LT(length, 1.12 * 2 * kPi * r);
+  for (const auto &q : p) {  // boundary pixels only
+    ASSERT_TRUE(disc(q.first, q.second));
+    EXPECT_FALSE(disc(q.first - 1, q.second) && disc(q.first + 1, q.second) && disc(q.first, q.second - 1) &&
+                 disc(q.first, q.second + 1));
   }
-}
-
-TEST(ObjectsFollowContour, RegionExitAndRunawayGuard) {
-  const auto bar = [](int x, int y) { return y == 2 && x >= 2 && x < 14; };  // 12 x 1
-  // A region of rows 0..2 and columns 0..15: out 11 steps and back 11, the
-  // closing one not counted.
-  EXPECT_EQ((Trace<unsigned char>(16, 5, 2, 2, bar, 0, 0, 16, 3).length), 21.0);
-  // Columns 0..2: the first step leaves the region.
-  EXPECT_EQ((Trace<unsigned char>(16, 5, 2, 2, bar, 0, 0, 3, 3).length), 0.0);
-  // Only row 2 (guard 16): the step taken at length 17 is refused.
-  const Traced t = Trace<int>(16, 5, 2, 2, bar, 0, 2, 16, 1);
-  EXPECT_EQ(t.length, 17.0);
-  EXPECT_EQ(t.points.size(), 18u);
-  EXPECT_EQ(t.points.back().x, 7);
 }
 
 }  // namespace

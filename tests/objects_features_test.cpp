@@ -1,6 +1,6 @@
 // Feature extraction: counts, centroids, perimeters and histograms of
-// labelled shapes, the roundness of a disc, the orientation of bars, the
-// label range and the refusals, the Escape abort through a host key query,
+// labelled shapes with the label range and the refusals, the roundness of a
+// disc, worked orientations, the Escape abort through a host key query,
 // temporaries returned to the memory manager, and the overlay factor.
 #include <gtest/gtest.h>
 
@@ -29,16 +29,26 @@ std::vector<int> Labels(int w, int h, std::initializer_list<Rect> rects) {
 
 TEST(ObjectsFeatures, RectanglesCountsCentroidsPerimetersHistograms) {
   const int w = 20, h = 12;
-  std::vector<int> labels = Labels(w, h, {{2, 2, 6, 5, 3}, {8, 3, 15, 10, 4}, {16, 1, 18, 2, 9}});
+  // Labels 3 and 4, then 5 only in the last row (never visited), 2 and 9
+  // outside the range 3 .. 5.
+  std::vector<int> labels = Labels(w, h, {{2, 2, 6, 5, 3}, {8, 3, 15, 10, 4}, {16, 1, 18, 2, 9},
+                                          {1, 1, 2, 2, 2}, {0, h - 1, w, h, 5}});
   std::vector<int> values(w * h);
   for (int i = 0; i < w * h; ++i) values[i] = i % 7;
-  std::vector<SFeature> f(2);
+  std::vector<SFeature> f(3);
+  f[2].centroidX = 3;
   unsigned char aborted = 9;
   const auto needed = static_cast<EFeaturesNeeded>(eFeatureBasic | eFeatureCentroid | eFeatureHistogram);
-  ASSERT_EQ(MultiObjectFeatureExtract<int>(labels.data(), w, h, 0, 0, w, h, values.data(), 3, 2,
+  EXPECT_EQ(MultiObjectFeatureExtract<int>(labels.data(), w, h, 0, 0, w, h, values.data(), 3, 3,
+                                           nullptr, needed, &aborted), -1);
+  EXPECT_EQ(MultiObjectFeatureExtract<int>(labels.data(), w, h, 0, 0, w, h, values.data(), 3, 0,
+                                           f.data(), needed, &aborted), 0);
+  ASSERT_EQ(MultiObjectFeatureExtract<int>(labels.data(), w, h, 0, 0, w, h, values.data(), 3, 3,
                                            f.data(), needed, &aborted),
             0);
   EXPECT_EQ(aborted, 0);
+  EXPECT_EQ(f[2].pixelCount, 0);
+  EXPECT_EQ(f[2].centroidX, 0.0);
   EXPECT_EQ(f[0].pixelCount, 12);
   EXPECT_EQ(f[1].pixelCount, 49);
   EXPECT_DOUBLE_EQ(f[0].centroidX, 4.0);  // columns 2..5, + 0.5
@@ -90,23 +100,20 @@ TEST(ObjectsFeatures, OrientationWorkedExamples) {
   const auto all = static_cast<EFeaturesNeeded>(eFeatureBasic | eFeatureCentroid | eFeatureOrientation);
   const struct {
     const char *what;
-    std::vector<Rect> rects;
+    Rect rect;
     int top;
     double expected;
   } cases[] = {
       // Offset (0, 0), weight 0: every window weighs 0, so s = 0.
-      {"single pixel", {{3, 4, 4, 5, 1}}, 0, -kPi},
+      {"single pixel", {3, 4, 4, 5, 1}, 0, -kPi},
       // Offsets (0, +-0.5) -> (0, 0.5): steep, bin 2E + T[0] = 90; first s = 90 - 35.
-      {"vertical pair", {{3, 4, 4, 6, 1}}, 0, 55 / scale - kPi},
+      {"vertical pair", {3, 4, 4, 6, 1}, 0, 55 / scale - kPi},
       // The region's top 2 shifts dy to 2: offsets (0.5, 2), a = 0.25, i = 11,
       // T[11] = 14, bin 2E - 14 = 76; first s = 76 - 35.
-      {"horizontal pair, region at row 2", {{3, 4, 5, 5, 1}}, 2, 41 / scale - kPi},
+      {"horizontal pair, region at row 2", {3, 4, 5, 5, 1}, 2, 41 / scale - kPi},
   };
   for (const auto &c : cases) {
-    std::vector<int> labels(100, 0);
-    for (const Rect &r : c.rects)
-      for (int y = r.y0; y < r.y1; ++y)
-        for (int x = r.x0; x < r.x1; ++x) labels[y * 10 + x] = r.label;
+    std::vector<int> labels = Labels(10, 10, {c.rect});
     SFeature f;
     unsigned char aborted;
     ASSERT_EQ(MultiObjectFeatureExtract<int>(labels.data(), 10, 10, 0, c.top, 9, 9, labels.data(), 1, 1, &f, all,
@@ -117,30 +124,6 @@ TEST(ObjectsFeatures, OrientationWorkedExamples) {
   EXPECT_EQ(ReleaseFeatureTables(), 0);
   EXPECT_EQ(InitFeatureTables(2, 90.0), 0);
   EXPECT_EQ(ReleaseFeatureTables(), 0);
-}
-
-TEST(ObjectsFeatures, LabelRangeAndRefusals) {
-  const int w = 10, h = 6;
-  std::vector<unsigned char> labels(w * h, 0), values(w * h, 0);
-  labels[1 * w + 1] = 4;                       // below firstLabel
-  labels[2 * w + 3] = 5;                       // object 0
-  labels[3 * w + 5] = 7;                       // at firstLabel + objectCount
-  labels[2 * w + 9] = labels[5 * w + 2] = 6;   // object 1, only in the last column and row
-  std::vector<SFeature> f(2);
-  f[1].centroidX = 3;
-  unsigned char aborted = 9;
-  const auto needed = static_cast<EFeaturesNeeded>(eFeatureBasic | eFeatureCentroid);
-  ASSERT_EQ(MultiObjectFeatureExtract<unsigned char>(labels.data(), w, h, 0, 0, w, h, values.data(), 5, 2,
-                                                     f.data(), needed, &aborted), 0);
-  EXPECT_EQ(f[0].pixelCount, 1);
-  EXPECT_EQ(f[0].perimeter, 0.0);
-  EXPECT_EQ(f[1].pixelCount, 0);
-  EXPECT_EQ(f[1].centroidX, 0.0);
-  EXPECT_EQ(MultiObjectFeatureExtract<unsigned char>(labels.data(), w, h, 0, 0, w, h, values.data(), 5, 2,
-                                                     nullptr, needed, &aborted), -1);
-  EXPECT_EQ(aborted, 0);
-  EXPECT_EQ(MultiObjectFeatureExtract<unsigned char>(labels.data(), w, h, 0, 0, w, h, values.data(), 5, 0,
-                                                     f.data(), needed, &aborted), 0);
 }
 
 int g_polls = 0, g_pressAfter = 0;
@@ -207,16 +190,11 @@ TEST(ObjectsFeatures, EscapeAbortsAndTemporariesGoBack) {
 
 TEST(ObjectsFeatures, InterpolatedOverlayFactor) {
   double two[] = {0, 100}, four[] = {10, 40, 40, 100};
-  const struct {
-    int value;
-    double *table;
-    int count;
-    float expected;
-  } cases[] = {{50, two, 2, 0.5f},    {-5, four, 4, 0.1f},  {0, four, 4, 0.1f},
-               {150, four, 4, 0.4f}, {250, four, 4, 0.7f}, {300, four, 4, 1.0f},
-               {999, four, 4, 1.0f}, {25, four, 4, 0.175f}};
-  for (const auto &c : cases)
-    EXPECT_FLOAT_EQ(GetInterpolatedOverlayFactor(c.value, c.table, c.count), c.expected) << c.value;
+  EXPECT_FLOAT_EQ(GetInterpolatedOverlayFactor(50, two, 2), 0.5f);
+  const int values[] = {-5, 0, 25, 150, 250, 300, 999};
+  const float expected[] = {0.1f, 0.1f, 0.175f, 0.4f, 0.7f, 1.0f, 1.0f};
+  for (int i = 0; i < 7; ++i)
+    EXPECT_FLOAT_EQ(GetInterpolatedOverlayFactor(values[i], four, 4), expected[i]) << values[i];
 }
 
 }  // namespace
