@@ -6,6 +6,7 @@
 
 #include "Ostrel.h"
 #include "compositing/grey_blend_kernels.h"
+#include "compositing/trc_blend.h"
 #include "frame/blend.h"
 #include "frame/region.h"
 
@@ -134,5 +135,17 @@ void MotionCopyTRCWithAlphaBufferToTRC(unsigned int *src, unsigned int srcWidth,
                      regionHeight, mode, __func__,
                      [opacity](unsigned int d, unsigned int s, unsigned char a) {
                        return ostrel::blend::ExactPixel(d, s, ostrel::blend::ExactWeight(a, opacity));
+                     },
+                     // Rows that do not alias: the colour blend's kernel for
+                     // source pixels weighted by alpha bytes, exact form.
+                     [kernel = ostrel::ActiveTrcBlendKernels().pixelsByBytes[ostrel::FormIndex(true)],
+                      opacity](unsigned int *out, const unsigned int *in,
+                               const unsigned char *cover, std::uint32_t n) {
+                       ostrel::TrcRow row{out, n};
+                       row.pixels = in;
+                       row.bytes = cover;
+                       ostrel::TrcBlend blend;
+                       blend.opacity = opacity;
+                       kernel(row, blend);
                      });
 }
