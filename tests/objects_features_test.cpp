@@ -124,6 +124,13 @@ TEST(ObjectsFeatures, OrientationWorkedExamples) {
   EXPECT_EQ(ReleaseFeatureTables(), 0);
   EXPECT_EQ(InitFeatureTables(2, 90.0), 0);
   EXPECT_EQ(ReleaseFeatureTables(), 0);
+  // Without tables the orientation stops the process like a division by zero.
+  std::vector<int> labels = Labels(10, 10, {{3, 4, 4, 5, 1}});
+  SFeature f;
+  unsigned char aborted;
+  EXPECT_DEATH(MultiObjectFeatureExtract<int>(labels.data(), 10, 10, 0, 0, 9, 9, labels.data(), 1, 1, &f, all,
+                                              &aborted),
+               "");
 }
 
 int g_polls = 0, g_pressAfter = 0;
