@@ -1,249 +1,108 @@
-// Repeat buffer positions and view-size adaptation: the documented
-// examples and piece orders pinned, and both piece lists checked pixel by
-// pixel against the rectangle folded with SetInRapp.
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <sstream>
-#include <string>
-#include <tuple>
-#include <utility>
-#include <vector>
-
-#include "Ostrel.h"
+// Repeat buffer pieces and view sizes: piece orders, a kept zero-height piece and the drop kinds
+// pinned; both piece lists checked pixel by pixel against the folded rectangle.
+#include "repeat_test_util.h"
 
 namespace {
 
-struct Piece {
-  int x, y, width, height;
-  bool operator==(const Piece &o) const {
-    return std::tie(x, y, width, height) == std::tie(o.x, o.y, o.width, o.height);
+// The count (-3 if not written) and entry 0 (-7s if not written), then x, y, width, height of
+// each piece. mode 0 and 1: CalcPosAndSizeInRepBuffer, wholeTileIfLarger = mode; 2: the inverse.
+std::vector<int> Split(int x, int y, int width, int height, int tileWidth, int tileHeight,
+                       int drop, int mode, _EDropKind kind = eDropVertical) {
+  int count = -3, px[6], pw[6], py[6], ph[6];
+  for (int i = 0; i < 6; ++i) px[i] = pw[i] = py[i] = ph[i] = -7;
+  if (mode == 2)
+    CalcPosAndSizeInRepBufferInv(x, y, width, height, tileWidth, tileHeight, kind, drop, &count,
+                                 px, pw, py, ph);
+  else
+    CalcPosAndSizeInRepBuffer(x, y, width, height, tileWidth, tileHeight, kind, drop, &count, px,
+                              pw, py, ph, mode == 1);
+  std::vector<int> out = {count, px[0], py[0], pw[0], ph[0]};
+  for (int i = 0; i < count && i < 6; ++i) out.insert(out.end(), {px[i], py[i], pw[i], ph[i]});
+  return out;
+}
+
+TEST(RepeatPieces, PiecesComeInTheirOrder) {
+  const struct {
+    int x, y, width, height, drop, mode;
+    std::vector<int> want;  // x, y, width, height of each piece, in a 100 x 100 tile
+  } cases[] = {
+      // The dropped next column first (its top wraps to y 60), the main piece last.
+      {90, 10, 20, 20, 50, 0, {0, 60, 10, 20, 90, 10, 10, 20}},
+      // The next column split at its bottom seam, then below the tile, then the main piece.
+      {90, 90, 20, 20, 95, 0, {0, 0, 10, 15, 0, 95, 10, 5, 90, 0, 10, 10, 90, 90, 10, 10}},
+      {50, 50, 100, 10, 0, 1, {0, 0, 100, 100}},  // as wide as the tile: all of it ...
+      {0, 0, 100, 10, 0, 1, {0, 0, 100, 10}},     // ... unless it fits
+      {50, 50, 100, 100, 0, 0, {0, 50, 50, 50, 0, 0, 50, 50, 50, 0, 50, 50, 50, 50, 50, 50}},
+      // Uncovered: left and right of the rectangle, then above and below it.
+      {10, 10, 80, 80, 0, 2, {0, 0, 10, 100, 90, 0, 10, 100, 10, 0, 80, 10, 10, 90, 80, 10}},
+      {0, 0, 100, 80, 0, 2, {0, 80, 100, 20}},  // no empty strips here
+      {10, 90, 20, 20, 50, 2, {0, 0, 10, 100, 30, 0, 70, 100, 10, 10, 20, 80}},
+      // Across the right seam at y 0: the strip above it has height 0 and is kept.
+      {90, 0, 20, 20, 50, 2,
+       {10, 0, 80, 100, 90, 0, 10, 0, 90, 20, 10, 80, 0, 0, 10, 50, 0, 70, 10, 30}}};
+  for (const auto &c : cases) {
+    const std::vector<int> got = Split(c.x, c.y, c.width, c.height, 100, 100, c.drop, c.mode);
+    EXPECT_EQ(std::vector<int>(got.begin() + 5, got.end()), c.want) << c.x << ", " << c.y;
   }
-};
-
-std::ostream &operator<<(std::ostream &out, const Piece &p) {
-  return out << "(" << p.x << ", " << p.y << ", " << p.width << ", " << p.height << ")";
+  // Nothing uncovered, yet piece 0 is written as the tile.
+  EXPECT_EQ(Split(50, 50, 100, 100, 100, 80, 0, 2), (std::vector<int>{0, 0, 0, 100, 80}));
+  for (int mode : {0, 2})
+    for (int kind : {2, 0, 3, -1})  // only the vertical kind splits; horizontal: not even a count
+      EXPECT_EQ(Split(90, 10, 20, 20, 100, 100, 50, mode, _EDropKind(kind)),
+                (std::vector<int>{kind == 2 ? -3 : 0, -7, -7, -7, -7}));
 }
 
-using Pieces = std::vector<Piece>;
-
-// The arrays start as -7 and the count as -3, so that untouched entries show.
-struct Output {
-  int count = -3;
-  int x[6] = {-7, -7, -7, -7, -7, -7}, width[6] = {-7, -7, -7, -7, -7, -7};
-  int y[6] = {-7, -7, -7, -7, -7, -7}, height[6] = {-7, -7, -7, -7, -7, -7};
-  Pieces List() const {
-    Pieces out;
-    for (int i = 0; i < count; ++i) out.push_back({x[i], y[i], width[i], height[i]});
-    return out;
-  }
-  Piece At(int i) const { return {x[i], y[i], width[i], height[i]}; }
-};
-
-Output Cover(int x, int y, unsigned width, unsigned height, unsigned repeatWidth,
-             unsigned repeatHeight, _EDropKind kind, int drop, bool wholeTileIfLarger) {
-  Output o;
-  CalcPosAndSizeInRepBuffer(x, y, width, height, repeatWidth, repeatHeight, kind, drop, &o.count,
-                            o.x, o.width, o.y, o.height, wholeTileIfLarger);
-  return o;
-}
-
-Output Uncovered(int x, int y, unsigned width, unsigned height, unsigned repeatWidth,
-                 unsigned repeatHeight, _EDropKind kind, int drop) {
-  Output o;
-  CalcPosAndSizeInRepBufferInv(x, y, width, height, repeatWidth, repeatHeight, kind, drop, &o.count,
-                               o.x, o.width, o.y, o.height);
-  return o;
-}
-
-TEST(RepeatPieces, ARectangleInsideTheTileIsOnePiece) {
-  EXPECT_EQ(Cover(10, 10, 20, 20, 100, 100, eDropVertical, 50, false).List(),
-            (Pieces{{10, 10, 20, 20}}));
-  // Folded first: column -1 lies 50 higher, so (-90, 60) is (10, 10).
-  EXPECT_EQ(Cover(-90, 60, 20, 20, 100, 100, eDropVertical, 50, false).List(),
-            (Pieces{{10, 10, 20, 20}}));
-  EXPECT_EQ(Cover(0, 0, 100, 100, 100, 100, eDropVertical, 50, false).List(),
-            (Pieces{{0, 0, 100, 100}}));
-}
-
-TEST(RepeatPieces, SpecExamplesInOrder) {
-  // The dropped next column first (its top wraps to y 60), the main piece last.
-  EXPECT_EQ(Cover(90, 10, 20, 20, 100, 100, eDropVertical, 50, false).List(),
-            (Pieces{{0, 60, 10, 20}, {90, 10, 10, 20}}));
-  EXPECT_EQ(Cover(0, 90, 20, 20, 100, 100, eDropVertical, 0, false).List(),
-            (Pieces{{0, 0, 20, 10}, {0, 90, 20, 10}}));
-  // Next column split at its own bottom seam, then the part below the
-  // tile's bottom, then the main piece.
-  EXPECT_EQ(Cover(90, 90, 20, 20, 100, 100, eDropVertical, 95, false).List(),
-            (Pieces{{0, 0, 10, 15}, {0, 95, 10, 5}, {90, 0, 10, 10}, {90, 90, 10, 10}}));
-  EXPECT_EQ(Cover(90, 90, 20, 20, 100, 100, eDropVertical, 50, false).List(),
-            (Pieces{{0, 40, 10, 20}, {90, 0, 10, 10}, {90, 90, 10, 10}}));
-}
-
-TEST(RepeatPieces, WholeTileIfLarger) {
-  EXPECT_EQ(Cover(50, 50, 100, 100, 100, 100, eDropVertical, 0, true).List(),
-            (Pieces{{0, 0, 100, 100}}));
-  EXPECT_EQ(Cover(50, 50, 100, 10, 100, 100, eDropVertical, 0, true).List(),
-            (Pieces{{0, 0, 100, 100}}));
-  EXPECT_EQ(Cover(50, 50, 10, 300, 100, 100, eDropVertical, 0, true).List(),
-            (Pieces{{0, 0, 100, 100}}));
-  // Not taken for a rectangle that fits after folding, nor for a smaller one.
-  EXPECT_EQ(Cover(0, 0, 100, 10, 100, 100, eDropVertical, 0, true).List(),
-            (Pieces{{0, 0, 100, 10}}));
-  EXPECT_EQ(Cover(90, 10, 20, 20, 100, 100, eDropVertical, 50, true).List(),
-            (Pieces{{0, 60, 10, 20}, {90, 10, 10, 20}}));
-  // false: split like any other.
-  EXPECT_EQ(Cover(50, 50, 100, 100, 100, 100, eDropVertical, 0, false).List(),
-            (Pieces{{0, 50, 50, 50}, {0, 0, 50, 50}, {50, 0, 50, 50}, {50, 50, 50, 50}}));
-}
-
-TEST(RepeatPieces, DropKinds) {
-  for (bool inverse : {false, true}) {
-    // Horizontal drop: nothing written, not even the count.
-    Output o = inverse ? Uncovered(90, 10, 20, 20, 100, 100, eDropHorizontal, 50)
-                       : Cover(90, 10, 20, 20, 100, 100, eDropHorizontal, 50, false);
-    EXPECT_EQ(o.count, -3);
-    EXPECT_EQ(o.At(0), (Piece{-7, -7, -7, -7}));
-    for (int kind : {0, 3, -1}) {
-      const auto k = static_cast<_EDropKind>(kind);
-      o = inverse ? Uncovered(90, 10, 20, 20, 100, 100, k, 50)
-                  : Cover(90, 10, 20, 20, 100, 100, k, 50, false);
-      EXPECT_EQ(o.count, 0);
-      EXPECT_EQ(o.At(0), (Piece{-7, -7, -7, -7}));
-    }
-  }
-}
-
-TEST(RepeatPieces, InverseSpecExamples) {
-  EXPECT_EQ(Uncovered(10, 10, 80, 80, 100, 100, eDropVertical, 0).List(),
-            (Pieces{{0, 0, 10, 100}, {90, 0, 10, 100}, {10, 0, 80, 10}, {10, 90, 80, 10}}));
-  // Touching the edges leaves out the empty strips.
-  EXPECT_EQ(Uncovered(0, 0, 100, 80, 100, 100, eDropVertical, 0).List(),
-            (Pieces{{0, 80, 100, 20}}));
-  EXPECT_EQ(Uncovered(0, 0, 100, 100, 100, 100, eDropVertical, 0).List(), Pieces{});
-  // Across the right seam into the column dropped by 50.
-  EXPECT_EQ(
-      Uncovered(90, 10, 20, 20, 100, 100, eDropVertical, 50).List(),
-      (Pieces{
-          {10, 0, 80, 100}, {90, 0, 10, 10}, {90, 30, 10, 70}, {0, 0, 10, 60}, {0, 80, 10, 20}}));
-  // Across the bottom seam only.
-  EXPECT_EQ(Uncovered(10, 90, 20, 20, 100, 100, eDropVertical, 50).List(),
-            (Pieces{{0, 0, 10, 100}, {30, 0, 70, 100}, {10, 10, 20, 80}}));
-}
-
-TEST(RepeatPieces, InverseOfALargerRectangleIsEmptyButWritesTheTile) {
-  const Output o = Uncovered(50, 50, 100, 100, 100, 80, eDropVertical, 0);
-  EXPECT_EQ(o.count, 0);
-  EXPECT_EQ(o.At(0), (Piece{0, 0, 100, 80}));
-  EXPECT_EQ(o.At(1), (Piece{-7, -7, -7, -7}));
-}
-
-// Counts, pixel by pixel, how often the pieces cover each tile pixel; a
-// piece reaching outside the tile is reported.
-std::vector<int> Paint(const Output &o, unsigned repeatWidth, unsigned repeatHeight,
-                       std::string *error) {
-  std::vector<int> count(repeatWidth * repeatHeight, 0);
-  for (const Piece &p : o.List()) {
-    if (p.width < 0 || p.height < 0 || p.x < 0 || p.y < 0 ||
-        p.x + p.width > static_cast<int>(repeatWidth) ||
-        p.y + p.height > static_cast<int>(repeatHeight)) {
-      std::ostringstream s;
-      s << "piece " << p << " leaves the tile";
-      *error = s.str();
+// How often the pieces cover each tile pixel; a piece outside the tile fails.
+std::vector<int> Paint(const std::vector<int> &split, int tileWidth, int tileHeight) {
+  std::vector<int> n(tileWidth * tileHeight, 0);
+  for (std::size_t k = 5; k + 3 < split.size(); k += 4) {
+    const int x = split[k], y = split[k + 1], w = split[k + 2], h = split[k + 3];
+    if (x < 0 || y < 0 || w < 0 || h < 0 || x + w > tileWidth || y + h > tileHeight) {
+      ADD_FAILURE() << "piece " << x << ", " << y << ", " << w << ", " << h << " leaves the tile";
       continue;
     }
-    for (int j = 0; j < p.height; ++j) {
-      for (int i = 0; i < p.width; ++i) ++count[(p.y + j) * repeatWidth + p.x + i];
-    }
+    for (int i = 0; i < w * h; ++i) ++n[(y + i / w) * tileWidth + x + i % w];
   }
-  return count;
+  return n;
 }
 
-TEST(RepeatPieces, PiecesCoverExactlyTheFoldedRectangle) {
-  // For rectangles smaller than the tile and drops 0 .. repeatHeight-1, the
-  // pieces cover each tile pixel that the folded rectangle covers once and
-  // no other; the inverse pieces cover exactly the rest.
-  const struct { unsigned width, height; } tiles[] = {{10, 8}, {7, 11}, {5, 5}};
-  for (const auto &t : tiles) {
-    for (int drop = 0; drop < static_cast<int>(t.height); ++drop) {
-      for (int x = -2 * static_cast<int>(t.width); x < 2 * static_cast<int>(t.width); ++x) {
-        for (int y = -2 * static_cast<int>(t.height); y < 2 * static_cast<int>(t.height); y += 3) {
-          for (unsigned w = 1; w < t.width; ++w) {
-            for (unsigned h = 1; h < t.height; ++h) {
-              std::vector<int> want(t.width * t.height, 0);
-              for (unsigned j = 0; j < h; ++j) {
-                for (unsigned i = 0; i < w; ++i) {
-                  int fx, fy;
-                  SetInRapp(x + i, y + j, t.width, t.height, drop, eDropVertical, &fx, &fy);
-                  ++want[fy * t.width + fx];
-                }
+TEST(RepeatPieces, PiecesCoverTheFoldedRectangleAndTheInverseTheRest) {
+  for (const auto &t : {std::vector<int>{10, 8}, {7, 11}, {5, 5}})
+    for (int drop = 0; drop < t[1]; ++drop)
+      for (int x = -2 * t[0]; x < 2 * t[0]; ++x)
+        for (int y = -2 * t[1]; y < 2 * t[1]; y += 3)
+          for (int w = 1; w < t[0]; ++w)
+            for (int h = 1; h < t[1]; ++h) {
+              std::vector<int> want(t[0] * t[1], 0);
+              for (int i = 0; i < w * h; ++i) {
+                const auto f = repeat_test::RefFold(x + i % w, y + i / w, t[0], t[1], drop,
+                                                    eDropVertical);
+                ++want[f.second * t[0] + f.first];
               }
-              std::string error;
-              const Output o = Cover(x, y, w, h, t.width, t.height, eDropVertical, drop, false);
-              ASSERT_LE(o.count, 5);
-              const std::vector<int> got = Paint(o, t.width, t.height, &error);
-              ASSERT_TRUE(error.empty() && got == want)
-                  << error << " rectangle (" << x << ", " << y << ", " << w << ", " << h
-                  << ") tile " << t.width << " x " << t.height << " drop " << drop;
-
-              const Output inv = Uncovered(x, y, w, h, t.width, t.height, eDropVertical, drop);
-              ASSERT_LE(inv.count, 5);
-              const std::vector<int> rest = Paint(inv, t.width, t.height, &error);
-              bool complement = true;
-              for (std::size_t p = 0; p < rest.size(); ++p) {
-                if (rest[p] + (want[p] != 0 ? 1 : 0) != 1) complement = false;
-              }
-              ASSERT_TRUE(error.empty() && complement)
-                  << error << " inverse of (" << x << ", " << y << ", " << w << ", " << h
-                  << ") tile " << t.width << " x " << t.height << " drop " << drop;
+              // wholeTileIfLarger changes nothing for a rectangle smaller than the tile.
+              const std::vector<int> cover = Split(x, y, w, h, t[0], t[1], drop, x & 1);
+              const std::vector<int> inv = Split(x, y, w, h, t[0], t[1], drop, 2);
+              std::vector<int> all = Paint(inv, t[0], t[1]);
+              for (std::size_t p = 0; p < all.size(); ++p) all[p] += want[p];
+              ASSERT_TRUE(cover[0] <= 5 && Paint(cover, t[0], t[1]) == want && inv[0] <= 5 &&
+                          all == std::vector<int>(t[0] * t[1], 1))
+                  << x << ", " << y << ", " << w << ", " << h << " drop " << drop;
             }
-          }
-        }
-      }
-    }
+}
+
+TEST(RepeatPieces, AdaptFileSizes) {
+  const double cases[][10] = {  // file, view, resolutions; the view-sized box; the grown file
+      {1000, 500, 800, 800, 1, 1, 800, 400, 1000, 1000},
+      {1000, 1000, 800, 800, 2, 1, 400, 800, 2000, 1000},
+      {1000, 1000, 800, 800, 1, 2, 800, 400, 1000, 2000},
+      {1000, 300, 640, 480, 1, 1, 640, 192, 1000, 750},
+      {1, 1e9, 100, 1, 1, 1, 0, 1, 1215752192, 1e9}};    // 1e11: its low 32 bits
+  for (const auto &c : cases) {
+    unsigned s[4] = {7, 7, 7, 7};
+    AdaptFileSizeToViewSizeForViewSize(c[0], c[1], c[2], c[3], c[4], c[5], &s[0], &s[1]);
+    AdaptFileSizeToFileSizeForViewSize(c[0], c[1], c[2], c[3], c[4], c[5], &s[2], &s[3]);
+    EXPECT_EQ(std::vector<double>(s, s + 4), std::vector<double>(c + 6, c + 10)) << c[0];
   }
-}
-
-std::pair<unsigned, unsigned> ViewBox(unsigned fileWidth, unsigned fileHeight, unsigned viewWidth,
-                                      unsigned viewHeight, double resolutionX, double resolutionY) {
-  unsigned w = 7, h = 7;
-  AdaptFileSizeToViewSizeForViewSize(fileWidth, fileHeight, viewWidth, viewHeight, resolutionX,
-                                     resolutionY, &w, &h);
-  return {w, h};
-}
-
-std::pair<unsigned, unsigned> FileBox(unsigned fileWidth, unsigned fileHeight, unsigned viewWidth,
-                                      unsigned viewHeight, double resolutionX, double resolutionY) {
-  unsigned w = 7, h = 7;
-  AdaptFileSizeToFileSizeForViewSize(fileWidth, fileHeight, viewWidth, viewHeight, resolutionX,
-                                     resolutionY, &w, &h);
-  return {w, h};
-}
-
-using Size = std::pair<unsigned, unsigned>;
-
-TEST(RepeatPieces, AdaptFileSizeToViewSizeForViewSize) {
-  EXPECT_EQ(ViewBox(1000, 500, 800, 800, 1, 1), Size(800, 400));
-  EXPECT_EQ(ViewBox(500, 1000, 800, 800, 1, 1), Size(400, 800));
-  EXPECT_EQ(ViewBox(1000, 1000, 800, 600, 1, 1), Size(600, 600));  // the height limits
-  EXPECT_EQ(ViewBox(800, 600, 800, 600, 1, 1), Size(800, 600));    // sy = sx
-  EXPECT_EQ(ViewBox(1000, 1000, 800, 800, 2, 1), Size(400, 800));  // 500 x 1000 mm
-  EXPECT_EQ(ViewBox(1000, 300, 640, 480, 1, 1), Size(640, 192));
-  EXPECT_EQ(ViewBox(333, 1000, 100, 100, 1, 1), Size(33, 100));  // 33.3 truncated
-  // 0 / 0 is NaN: the 64-bit truncation gives the integer-indefinite value,
-  // whose low 32 bits are 0.
-  EXPECT_EQ(ViewBox(0, 500, 800, 800, 0, 1), Size(800, 0));
-}
-
-TEST(RepeatPieces, AdaptFileSizeToFileSizeForViewSize) {
-  EXPECT_EQ(FileBox(1000, 500, 800, 800, 1, 1), Size(1000, 1000));
-  EXPECT_EQ(FileBox(500, 1000, 800, 400, 1, 1), Size(2000, 1000));
-  EXPECT_EQ(FileBox(800, 600, 800, 600, 1, 1), Size(800, 600));      // tie: step 2
-  EXPECT_EQ(FileBox(1000, 1000, 800, 800, 2, 1), Size(2000, 1000));  // 1000 x 1000 mm
-  EXPECT_EQ(FileBox(1000, 1000, 800, 800, 1, 2), Size(1000, 2000));
-  EXPECT_EQ(FileBox(1000, 300, 640, 480, 1, 1), Size(1000, 750));
-  // 100 * 1e9 / 1 = 1e11 does not fit 32 bits: its low 32 bits are kept.
-  EXPECT_EQ(FileBox(1, 1000000000, 100, 1, 1, 1), Size(1215752192u, 1000000000u));
 }
 
 }  // namespace
