@@ -136,13 +136,10 @@ TEST(GreyToGreyBlend, HandComputedPixels) {
 // one, so the first pixel is not forced, the others blend from 4095, and the
 // word right of the region is written.
 TEST(GreyToGreyBlend, TwelveBitSharedForcesTheNextWord) {
-  for (bool flat : {false, true}) {
-    std::vector<u16> src(4, 0), dst(6, 5);
-    (flat ? AlphaBlendL12ToL12FlatAlpha : static_cast<void (*)(unsigned short *, unsigned char *, unsigned int,
-         unsigned int, unsigned int, unsigned int, unsigned short *, unsigned int, unsigned int, unsigned int,
-         unsigned int, unsigned char, unsigned char, bool, unsigned int, unsigned int, bool)>(AlphaBlendL12ToL12))(
-        src.data(), nullptr, 4, 1, 0, 0, dst.data(), 6, 1, 1, 0, 0, 1, true, 3, 1, true);
-    EXPECT_EQ(dst, (std::vector<u16>{5, 5, 4095, 4095, 4095, 5})) << "flat " << flat;
+  for (int m : {kL12, kL12Flat}) {
+    Scene s{m, 4, 1, 0, 0, 6, 1, 1, 0, 3, 1, 1, 0, 0, 0, 1, true, false, {0, 0, 0, 0}, {5, 5, 5, 5, 5, 5}, {}};
+    RunMember(s);
+    EXPECT_EQ(s.dst, (std::vector<u16>{5, 5, 4095, 4095, 4095, 5})) << "member " << m;
   }
 }
 
