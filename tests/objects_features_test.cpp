@@ -19,7 +19,7 @@ const double kPi = 3.14159265358979323846;
 struct Rect {
   int x0, y0, x1, y1, label;
 };
-std::vector<int> Labels(int w, int h, std::initializer_list<Rect> rects) {
+std::vector<int> Labels(int w, int h, const std::vector<Rect> &rects) {
   std::vector<int> b(w * h, 0);
   for (const Rect &r : rects)
     for (int y = r.y0; y < r.y1; ++y)
@@ -100,20 +100,24 @@ TEST(ObjectsFeatures, OrientationWorkedExamples) {
   const auto all = static_cast<EFeaturesNeeded>(eFeatureBasic | eFeatureCentroid | eFeatureOrientation);
   const struct {
     const char *what;
-    Rect rect;
+    std::vector<Rect> rects;
     int top;
     double expected;
   } cases[] = {
       // Offset (0, 0), weight 0: every window weighs 0, so s = 0.
-      {"single pixel", {3, 4, 4, 5, 1}, 0, -kPi},
+      {"single pixel", {{3, 4, 4, 5, 1}}, 0, -kPi},
       // Offsets (0, +-0.5) -> (0, 0.5): steep, bin 2E + T[0] = 90; first s = 90 - 35.
-      {"vertical pair", {3, 4, 4, 6, 1}, 0, 55 / scale - kPi},
+      {"vertical pair", {{3, 4, 4, 6, 1}}, 0, 55 / scale - kPi},
       // The region's top 2 shifts dy to 2: offsets (0.5, 2), a = 0.25, i = 11,
       // T[11] = 14, bin 2E - 14 = 76; first s = 76 - 35.
-      {"horizontal pair, region at row 2", {3, 4, 5, 5, 1}, 2, 41 / scale - kPi},
+      {"horizontal pair, region at row 2", {{3, 4, 5, 5, 1}}, 2, 41 / scale - kPi},
+      // (6, 2): offsets (-2, 1) -> (-1, 1), a diagonal with dx <= 0 < dy: bin
+      // T[E] + 3E = 180 (not 4E - T[E]); (2, 4): (2, -1) -> (2, 0), bin 8E = 360,
+      // which no window reads. First s = 180 - 35.
+      {"diagonal bin", {{6, 2, 7, 3, 1}, {2, 4, 3, 5, 1}}, 0, 145 / scale - kPi},
   };
   for (const auto &c : cases) {
-    std::vector<int> labels = Labels(10, 10, {c.rect});
+    std::vector<int> labels = Labels(10, 10, c.rects);
     SFeature f;
     unsigned char aborted;
     ASSERT_EQ(MultiObjectFeatureExtract<int>(labels.data(), 10, 10, 0, c.top, 9, 9, labels.data(), 1, 1, &f, all,
