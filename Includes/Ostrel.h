@@ -1438,4 +1438,139 @@ OSTREL_API void MotionCopyTRCWithAlphaBufferToTRC(
     unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
     unsigned int regionWidth, unsigned int regionHeight, _EMotionCopyMode mode, bool exact);
 
+// ===========================================================================
+// Processor features and worker threads
+// ===========================================================================
+// A query for MMX, a process-wide pool of worker threads with their events,
+// and the sizing of one zeroed scratch buffer shared by several threads. The
+// raster functions above never start threads themselves: a caller cuts a
+// picture into row bands (never column bands: a few 12-bit blends write one
+// pixel past their region on each row), hands each band to a worker, and
+// waits for the bands' done events. examples/band_split.h shows the whole
+// round.
+
+// Nonzero when the processor offers MMX: the same query that decides, when
+// the library is loaded, whether the fast blend forms run.
+OSTREL_API int IsMMX();
+
+// A unit of work for a pool worker. The worker calls Run, the first virtual
+// operation, with no arguments, on its own thread. The pool never deletes a
+// work object; the caller keeps it alive until the done event has fired.
+class CSynchWork {
+ public:
+  virtual void Run() = 0;
+
+ protected:
+  ~CSynchWork() = default;
+};
+
+// A done event of the pool. available is 1 while no caller uses the event,
+// 0 while one does (or when the event could not be made). event is an
+// auto-reset, unnamed event: on Windows a system event handle, elsewhere the
+// library's own event, signalled and waited on with SignalSynchEvent and
+// WaitSynchEvent.
+struct SSynchEvent {
+  unsigned int available;
+  void *event;
+};
+
+// One worker thread of the pool; each worker has its own thread and sleeps
+// on wakeEvent (auto-reset, unnamed). When woken it calls work->Run(),
+// signals doneEvent->event and then sets free back to 1.
+//   free       1 = idle, may be given work; 0 = busy, or the worker could
+//              not be made (its event or thread failed)
+//   doneEvent  the event the worker signals when the work is done
+//   work       the work to run
+// free is written by the worker thread and by the caller: read and write it
+// with SynchFlagLoad and SynchFlagStore (or the platform's interlocked
+// operations).
+struct SSynchWorker {
+  unsigned int free;
+  void *wakeEvent;
+  SSynchEvent *doneEvent;
+  CSynchWork *work;
+};
+
+// The pool, one per process.
+//   state           0
+//   extraWorkers    8: workers made beyond one per processor
+//   workers         extraWorkers + processorCount records; null when the
+//                   process may run on one processor only, or when the array
+//                   could not be allocated
+//   processorCount  set bits among the first 32 of the process affinity
+//                   mask (0 when the worker array could not be allocated)
+//   doneEvents      processorCount + 15 records; null with one processor
+//   doneEventCount  number of records in doneEvents (0 when there are none)
+//
+// To run work: pick a worker whose free is 1 and set it to 0; take a done
+// event whose available is 1 and set that to 0; store the work and the done
+// event in the worker; signal its wakeEvent; wait on the done event, then
+// set its available back to 1. The worker sets free to 1 only after it has
+// signalled the done event, so right after the wait free may still read 0.
+// The pool does no locking of its own: callers that share it from several
+// threads must serialise their choice of records.
+struct SynchStruct {
+  unsigned int state;
+  unsigned int extraWorkers;
+  SSynchWorker *workers;
+  unsigned int processorCount;
+  SSynchEvent *doneEvents;
+  unsigned int doneEventCount;
+};
+
+// The process's pool. The first call builds it (its workers start then and
+// run until the process ends); make that call from one thread, before
+// others use the pool. At process exit the arrays are freed; the threads are
+// neither stopped nor waited for, so no work may be running then.
+OSTREL_API SynchStruct *GetSynchStruct();
+
+// Signals a pool event (a wakeEvent or the event of an SSynchEvent): on
+// Windows this is SetEvent. WaitSynchEvent waits for one without time limit
+// and resets it (WaitForSingleObject with INFINITE on Windows).
+OSTREL_API void SignalSynchEvent(void *event);
+OSTREL_API void WaitSynchEvent(void *event);
+
+// Reads and writes a pool flag (free) that a worker thread may touch at the
+// same time: the load acquires, the store releases.
+inline unsigned int SynchFlagLoad(const unsigned int *flag) {
+  return __atomic_load_n(flag, __ATOMIC_ACQUIRE);
+}
+inline void SynchFlagStore(unsigned int *flag, unsigned int value) {
+  __atomic_store_n(flag, value, __ATOMIC_RELEASE);
+}
+
+// Sizes and allocates one scratch buffer split into threadCount equal
+// slices, one per thread; thread k's slice starts at
+// k * linesPerThread * lineBytes. With splitLines true, total lines are
+// shared out (linesPerThread = total / threadCount) and every line has
+// other pixels; with splitLines false, total pixels of a line are
+// (pixelsPerLine = total / threadCount) and every slice has other lines.
+// threadCount must not be 0 and bytesPerPixel must be positive.
+//
+// The buffer may take a quarter of the memory figure M (MiB) that the
+// suite's memory manager reports: limit = floor(floor(M * 0.5) * 0.5 *
+// 1048576) bytes, in 64-bit arithmetic. When the slices would need more,
+// splitLines true gives fewer lines per slice (limit / (threadCount *
+// lineBytes)), splitLines false narrower lines (lineBytes = limit / (other
+// * threadCount), then pixelsPerLine = lineBytes / bytesPerPixel and
+// lineBytes = pixelsPerLine * bytesPerPixel). lineBytes is then rounded up
+// to a multiple of 4, and lineBytes * linesPerThread * threadCount bytes
+// are taken from g_pLargeAllocator (VornelLargeAllocator.h), zero-filled.
+// The caller releases the buffer through g_pLargeAllocator.
+//
+// Errors (the outputs are written only on success):
+//   the memory manager's query fails, or there is no memory manager:
+//     MakeException with its status
+//   no line fits in a slice (splitLines true), or the line is empty or
+//   longer than 4 GiB (splitLines false):
+//     CVornelException code 1, "Ostrel", line 9870
+//   the allocator has no block of that size:
+//     CVornelException code 3, "Ostrel", line 9870
+OSTREL_API void CalcAndGetFixedBufferForThreads(unsigned int total, unsigned int other,
+                                                int bytesPerPixel, unsigned int threadCount,
+                                                unsigned int *linesPerThread,
+                                                unsigned int *pixelsPerLine,
+                                                unsigned int *lineBytes, unsigned char **buffer,
+                                                bool splitLines);
+
 #endif  // OSTREL_H

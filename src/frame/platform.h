@@ -62,6 +62,29 @@ const int kVirtualKeyEscape = 0x1B;
 // reported.
 bool KeyPressed(int virtualKey);
 
+// ---- Processors, threads and events -----------------------------------------
+// The number of processors the process may run on: the set bits among the
+// first 32 positions of its affinity mask (GetProcessAffinityMask on
+// Windows, sched_getaffinity elsewhere). At least 1.
+unsigned int AffinityProcessorCount();
+
+// An auto-reset event, unnamed: a signal wakes one waiter (or the next one to
+// wait) and is consumed by it. On Windows the handle is the system event's
+// handle; elsewhere it points to the library's own event (a mutex and a
+// condition variable).
+typedef void *EventHandle;
+
+// A new event, not signalled; null when it cannot be made.
+EventHandle CreateAutoResetEvent();
+void SetAutoResetEvent(EventHandle event);
+// Waits without time limit until the event is signalled, and resets it.
+void WaitAutoResetEvent(EventHandle event);
+void CloseAutoResetEvent(EventHandle event);
+
+// Starts a thread (default stack size, no flags) that runs routine(argument)
+// and is never joined. False when the thread cannot be started.
+bool StartThread(void (*routine)(void *), void *argument);
+
 }  // namespace platform
 }  // namespace ostrel
 

@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <new>
 
 #include <stdlib.h>
 
@@ -38,6 +39,53 @@ std::atomic<OstrelKeyStateQuery> g_keyStateQuery{nullptr};
 bool KeyPressed(int virtualKey) {
   if (const OstrelKeyStateQuery query = g_keyStateQuery.load()) return query(virtualKey) != 0;
   return GetAsyncKeyState(virtualKey) != 0;
+}
+
+unsigned int AffinityProcessorCount() {
+  DWORD_PTR processMask = 0;
+  DWORD_PTR systemMask = 0;
+  if (!GetProcessAffinityMask(GetCurrentProcess(), &processMask, &systemMask)) return 1;
+  unsigned int count = 0;
+  for (unsigned int bit = 0; bit < 32; ++bit) {
+    if ((processMask >> bit) & 1) ++count;
+  }
+  return count != 0 ? count : 1;
+}
+
+EventHandle CreateAutoResetEvent() { return CreateEventW(nullptr, FALSE, FALSE, nullptr); }
+
+void SetAutoResetEvent(EventHandle event) { SetEvent(event); }
+
+void WaitAutoResetEvent(EventHandle event) { WaitForSingleObject(event, INFINITE); }
+
+void CloseAutoResetEvent(EventHandle event) { CloseHandle(event); }
+
+namespace {
+
+struct ThreadStart {
+  void (*routine)(void *);
+  void *argument;
+};
+
+DWORD WINAPI RunThread(LPVOID start) {
+  const ThreadStart s = *static_cast<ThreadStart *>(start);
+  delete static_cast<ThreadStart *>(start);
+  s.routine(s.argument);
+  return 0;
+}
+
+}  // namespace
+
+bool StartThread(void (*routine)(void *), void *argument) {
+  ThreadStart *start = new (std::nothrow) ThreadStart{routine, argument};
+  if (start == nullptr) return false;
+  const HANDLE thread = CreateThread(nullptr, 0, RunThread, start, 0, nullptr);
+  if (thread == nullptr) {
+    delete start;
+    return false;
+  }
+  CloseHandle(thread);  // the thread runs on; the pool never waits for it
+  return true;
 }
 
 }  // namespace platform
