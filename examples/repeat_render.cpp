@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <thread>
+
+#include "band_split.h"
 
 namespace ostrel_examples {
 namespace {
@@ -21,12 +22,6 @@ int FloorMod(int a, int b) { return ((a % b) + b) % b; }
 // rectangle (offX, offY from its top-left corner).
 struct Piece {
   int bufX, bufY, width, height, offX, offY;
-};
-
-struct BandContext {
-  const Design *design;
-  const ViewSettings *view;
-  unsigned int *out;
 };
 
 class BandRenderer {
@@ -176,11 +171,6 @@ class BandRenderer {
   std::vector<unsigned int> colourScratch_;
 };
 
-void DrawBand(void *context, unsigned int top, unsigned int bottom) {
-  const BandContext &c = *static_cast<const BandContext *>(context);
-  BandRenderer(*c.design, *c.view, c.out).Draw(top, bottom);
-}
-
 }  // namespace
 
 Design SyntheticDesign() {
@@ -244,22 +234,15 @@ std::string CheckView(const Design &design, const ViewSettings &view) {
 
 std::vector<unsigned int> RenderView(const Design &design, const ViewSettings &view) {
   std::vector<unsigned int> out(static_cast<std::size_t>(view.width) * view.height, 0);
-  BandContext context{&design, &view, out.data()};
-  ForEachRowBand(view.height, view.bands, DrawBand, &context);
+  // Row bands over the library's worker pool; each band draws its own
+  // backdrop and tiles, so the bands write disjoint rows.
+  RunInRowBands(
+      view.height,
+      [&](unsigned int top, unsigned int rows) {
+        BandRenderer(design, view, out.data()).Draw(top, top + rows);
+      },
+      view.bands);
   return out;
-}
-
-void ForEachRowBand(unsigned int height, unsigned int bands,
-                    void (*draw)(void *context, unsigned int top, unsigned int bottom),
-                    void *context) {
-  if (bands == 0) bands = std::max(1u, std::thread::hardware_concurrency());
-  bands = std::max(1u, std::min(bands, height));
-  const unsigned int step = (height + bands - 1) / bands;
-  std::vector<std::thread> threads;
-  for (unsigned int top = step; top < height; top += step)
-    threads.emplace_back(draw, context, top, std::min(height, top + step));
-  if (height > 0) draw(context, 0, std::min(height, step));
-  for (std::thread &t : threads) t.join();
 }
 
 }  // namespace ostrel_examples

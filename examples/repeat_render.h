@@ -37,7 +37,7 @@ struct ViewSettings {
   unsigned int width = 0;
   unsigned int height = 0;
   bool exact = false;             // exact blend arithmetic instead of the fast form
-  unsigned int bands = 0;         // row bands drawn in parallel; 0 = one per processor
+  unsigned int bands = 0;         // row bands on the worker pool; 0 = one per processor
   unsigned int backdropSquare = 8;
   unsigned int backdropColour1 = 0xFFE8E8E8u;
   unsigned int backdropColour2 = 0xFFC8C8C8u;
@@ -57,11 +57,5 @@ unsigned int EffectiveDrop(const Design &design, const ViewSettings &view);
 
 // Draws the view (width x height TRC pixels) of a checked design and view.
 std::vector<unsigned int> RenderView(const Design &design, const ViewSettings &view);
-
-// Runs draw(top, bottom) for consecutive row bands covering 0 .. height, in
-// parallel, and returns when all are done.
-void ForEachRowBand(unsigned int height, unsigned int bands,
-                    void (*draw)(void *context, unsigned int top, unsigned int bottom),
-                    void *context);
 
 }  // namespace ostrel_examples
