@@ -20,6 +20,7 @@
 
 #include "Ostrel.h"
 
+#include <thread>
 #include <vector>
 
 namespace ostrel_examples {
@@ -39,6 +40,7 @@ void RunInRowBands(unsigned int height, Job job, unsigned int bandCount = 0) {
     Job *job = nullptr;
     unsigned int top = 0, rows = 0;
     SSynchEvent *done = nullptr;
+    SSynchWorker *worker = nullptr;
     void Run() override { (*job)(top, rows); }
   };
   std::vector<Band> bands(bandCount);
@@ -66,6 +68,7 @@ void RunInRowBands(unsigned int height, Job job, unsigned int bandCount = 0) {
       continue;
     }
     SSynchWorker &worker = pool->workers[nextWorker++];
+    band.worker = &worker;
     band.done = &pool->doneEvents[nextEvent++];
     SynchFlagStore(&worker.free, 0);
     band.done->available = 0;
@@ -77,6 +80,9 @@ void RunInRowBands(unsigned int height, Job job, unsigned int bandCount = 0) {
     if (band.done == nullptr) continue;
     WaitSynchEvent(band.done->event);
     band.done->available = 1;
+    // The worker marks itself free just after signalling; waiting for that
+    // too means it no longer touches its record or the band when we return.
+    while (SynchFlagLoad(&band.worker->free) != 1) std::this_thread::yield();
   }
 }
 

@@ -21,16 +21,34 @@ namespace platform = ostrel::platform;
 const unsigned int kExtraWorkers = 8;
 const unsigned int kExtraDoneEvents = 15;
 
+// What a worker thread starts with. The wake event comes with it rather than
+// being read from the record, so a worker that is never woken never touches
+// its record (which is freed at exit while the thread still sleeps).
+struct WorkerStart {
+  SSynchWorker *record;
+  EventHandle wakeEvent;
+};
+
 // What a worker thread does for the rest of the process: sleep on its wake
 // event, run the work it was given, signal the done event, become free.
-void WorkerLoop(void *record) {
-  SSynchWorker *worker = static_cast<SSynchWorker *>(record);
+void WorkerLoop(void *start) {
+  const WorkerStart s = *static_cast<WorkerStart *>(start);
+  delete static_cast<WorkerStart *>(start);
   for (;;) {
-    platform::WaitAutoResetEvent(worker->wakeEvent);
-    worker->work->Run();
-    platform::SetAutoResetEvent(worker->doneEvent->event);
-    SynchFlagStore(&worker->free, 1);
+    platform::WaitAutoResetEvent(s.wakeEvent);
+    s.record->work->Run();
+    platform::SetAutoResetEvent(s.record->doneEvent->event);
+    SynchFlagStore(&s.record->free, 1);
   }
+}
+
+// Starts the thread of worker w; false when it cannot be started.
+bool StartWorker(SSynchWorker &w) {
+  WorkerStart *start = new (std::nothrow) WorkerStart{&w, w.wakeEvent};
+  if (start == nullptr) return false;
+  if (platform::StartThread(WorkerLoop, start)) return true;
+  delete start;
+  return false;
 }
 
 // The process's pool record, built on first use and released with the other
@@ -61,7 +79,7 @@ class Pool {
       w.wakeEvent = platform::CreateAutoResetEvent();
       if (w.wakeEvent == nullptr) {
         w.free = 0;
-      } else if (!platform::StartThread(WorkerLoop, &w)) {
+      } else if (!StartWorker(w)) {
         platform::CloseAutoResetEvent(w.wakeEvent);
         w.free = 0;
       }
