@@ -88,6 +88,21 @@ void ExpectSameAsReference(const Design &design, const ViewSettings &view) {
     }
 }
 
+ViewSettings MakeView(_EDropKind kind, unsigned int drop, double zoom, int scrollX, int scrollY,
+                      unsigned int width, unsigned int height, unsigned int bands) {
+  ViewSettings view;
+  view.dropKind = kind;
+  view.drop = drop;
+  view.zoom = zoom;
+  view.scrollX = scrollX;
+  view.scrollY = scrollY;
+  view.width = width;
+  view.height = height;
+  view.bands = bands;
+  view.exact = true;
+  return view;
+}
+
 TEST(RepeatView, EveryPixelMatchesThePerPixelFoldForEveryDropKind) {
   const Design design = NoisyDesign(23, 17);
   const _EDropKind kinds[] = {eDropNone, eDropVertical, eDropHorizontal};
@@ -96,16 +111,8 @@ TEST(RepeatView, EveryPixelMatchesThePerPixelFoldForEveryDropKind) {
   for (const _EDropKind kind : kinds)
     for (const double zoom : zooms)
       for (const auto &scroll : scrolls) {
-        ViewSettings view;
-        view.dropKind = kind;
-        view.drop = kind == eDropHorizontal ? 9 : 6;
-        view.zoom = zoom;
-        view.scrollX = scroll[0];
-        view.scrollY = scroll[1];
-        view.width = 101;
-        view.height = 77;
-        view.bands = 3;
-        view.exact = true;
+        ViewSettings view =
+            MakeView(kind, kind == eDropHorizontal ? 9 : 6, zoom, scroll[0], scroll[1], 101, 77, 3);
         ExpectSameAsReference(design, view);
         view.exact = false;
         ExpectSameAsReference(design, view);
@@ -114,16 +121,8 @@ TEST(RepeatView, EveryPixelMatchesThePerPixelFoldForEveryDropKind) {
 
 TEST(RepeatView, BuiltInDesignMatchesWithLargeScrollsAndOneBand) {
   const Design design = SyntheticDesign();
-  ViewSettings view;
-  view.dropKind = eDropHorizontal;
-  view.drop = 200;  // more than the tile: reduced into it
-  view.zoom = 1.3;
-  view.scrollX = -5000;
-  view.scrollY = 7777;
-  view.width = 300;
-  view.height = 200;
-  view.bands = 1;
-  view.exact = true;
+  // A drop of more than the tile is reduced into it.
+  ViewSettings view = MakeView(eDropHorizontal, 200, 1.3, -5000, 7777, 300, 200, 1);
   ExpectSameAsReference(design, view);
   view.dropKind = eDropVertical;
   view.bands = 7;
