@@ -444,7 +444,10 @@ def read_symbol_source(source, nm, objdump):
     names, width = [], 0
     for line in text.splitlines():
         fields = line.split()
-        if len(fields) == 3 and fields[1] not in ("A", "U", "w", "v"):
+        # AddressSanitizer adds an "__odr_asan.<name>" marker beside each
+        # exported variable; it is no part of the interface.
+        if len(fields) == 3 and fields[1] not in ("A", "U", "w", "v") \
+                and not fields[2].startswith("__odr_asan."):
             names.append(fields[2].split("@")[0])
             width = len(fields[0])
     if not names:
