@@ -215,7 +215,7 @@ unsigned int EffectiveDrop(const Design &design, const ViewSettings &view) {
 std::string CheckView(const Design &design, const ViewSettings &view) {
   if (design.width == 0 || design.height == 0) return "the design tile is empty";
   if (view.width == 0 || view.height == 0) return "the view size must be positive";
-  if (view.width > 16384 || view.height > 16384) return "the view is larger than 16384 pixels";
+  if (view.width > 8192 || view.height > 8192) return "the view is larger than 8192 pixels";
   if (!(view.zoom > 0) || view.zoom > 64) return "the zoom must be above 0 and at most 64";
   if (static_cast<long long>(design.width * view.zoom) < 1 ||
       static_cast<long long>(design.height * view.zoom) < 1)

@@ -76,7 +76,7 @@ int main(int argc, char **argv) {
     } else if (arg == "--size") {
       if (!ParsePair(value, 'x', &a, &b)) return Fail("bad size '" + value + "': WxH");
       if (a <= 0 || b <= 0) return Fail("bad size '" + value + "': zero or negative");
-      if (a > 16384 || b > 16384) return Fail("bad size '" + value + "': at most 16384x16384");
+      if (a > 8192 || b > 8192) return Fail("bad size '" + value + "': at most 8192x8192");
       view.width = static_cast<unsigned int>(a);
       view.height = static_cast<unsigned int>(b);
     } else if (arg == "--bands") {
