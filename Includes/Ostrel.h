@@ -1531,13 +1531,16 @@ OSTREL_API void SignalSynchEvent(void *event);
 OSTREL_API void WaitSynchEvent(void *event);
 
 // Reads and writes a pool flag (free) that a worker thread may touch at the
-// same time: the load acquires, the store releases.
+// same time: the load acquires, the store releases. For GCC and Clang hosts;
+// others use their compiler's interlocked operations.
+#if defined(__GNUC__)
 inline unsigned int SynchFlagLoad(const unsigned int *flag) {
   return __atomic_load_n(flag, __ATOMIC_ACQUIRE);
 }
 inline void SynchFlagStore(unsigned int *flag, unsigned int value) {
   __atomic_store_n(flag, value, __ATOMIC_RELEASE);
 }
+#endif
 
 // Sizes and allocates one scratch buffer split into threadCount equal
 // slices, one per thread; thread k's slice starts at
