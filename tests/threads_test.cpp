@@ -1,11 +1,4 @@
 // The worker pool, the MMX query and the shared scratch buffer.
-#include "Ostrel.h"
-#include "VornelException.h"
-#include "VornelLargeAllocator.h"
-#include "VornelMemMgr.h"
-
-#include "../examples/band_split.h"
-
 #include <gtest/gtest.h>
 #include <sched.h>
 
@@ -14,6 +7,12 @@
 #include <cstring>
 #include <thread>
 #include <vector>
+
+#include "../examples/band_split.h"
+#include "Ostrel.h"
+#include "VornelException.h"
+#include "VornelLargeAllocator.h"
+#include "VornelMemMgr.h"
 
 namespace {
 
@@ -27,7 +26,9 @@ namespace {
   CPU_ZERO(&chosen);
   if (sched_getaffinity(0, sizeof allowed, &allowed) != 0) std::_Exit(2);
   for (int cpu = 0, taken = 0; cpu < 32 && taken < processors; ++cpu) {
-    if (CPU_ISSET(cpu, &allowed)) CPU_SET(cpu, &chosen), ++taken;
+    if (!CPU_ISSET(cpu, &allowed)) continue;
+    CPU_SET(cpu, &chosen);
+    ++taken;
   }
   if (sched_setaffinity(0, sizeof chosen, &chosen) != 0) std::_Exit(2);
   const unsigned int n = static_cast<unsigned int>(CPU_COUNT(&chosen));
@@ -38,7 +39,9 @@ namespace {
             (s->doneEvents == nullptr) == (events == 0);
   for (unsigned int i = 0; ok && i < workers; ++i) ok = SynchFlagLoad(&s->workers[i].free) == 1;
   for (unsigned int i = 0; ok && i < events; ++i) ok = s->doneEvents[i].available == 1;
-  if (!ok) std::fprintf(stderr, "processors %u: count %u, events %u\n", n, s->processorCount, s->doneEventCount);
+  if (!ok)
+    std::fprintf(stderr, "processors %u: count %u, events %u\n", n, s->processorCount,
+                 s->doneEventCount);
   std::_Exit(ok ? 0 : 1);
 }
 
@@ -103,7 +106,8 @@ TEST(ThreadPool, RowBandsCoverEveryRowOnce) {
     for (unsigned int bands : {0u, 1u, 3u, 40u}) {
       std::vector<int> hits(height, 0);
       ostrel_examples::RunInRowBands(
-          height, [&](unsigned int top, unsigned int rows) {
+          height,
+          [&](unsigned int top, unsigned int rows) {
             for (unsigned int y = top; y < top + rows; ++y) ++hits[y];
           },
           bands);
@@ -128,7 +132,9 @@ struct FigureMemMgr final : IMemMgr {
   unsigned int figure = 0;
   VornelStatus status = kVornelOk;
   int references = 0;
-  VornelStatus VORNEL_STDCALL QueryInterface(const IID &, void **) override { return kVornelNoInterface; }
+  VornelStatus VORNEL_STDCALL QueryInterface(const IID &, void **) override {
+    return kVornelNoInterface;
+  }
   unsigned long VORNEL_STDCALL AddRef() override { return ++references; }
   unsigned long VORNEL_STDCALL Release() override { return --references; }
   VornelStatus VORNEL_STDCALL Allocate(std::size_t, void **) override { return kVornelFail; }
@@ -187,21 +193,23 @@ TEST(ScratchBuffer, SizesAndFailures) {
   LargeAllocatorItf *previousAllocator = g_pLargeAllocator;
   g_pLargeAllocator = &allocator;
   for (const ScratchCase &c : cases) {
-    SCOPED_TRACE(testing::Message() << "figure " << c.figure << ", total " << c.total << ", other "
-                                    << c.other << (c.splitLines ? ", lines split" : ", width split"));
+    SCOPED_TRACE(testing::Message()
+                 << "figure " << c.figure << ", total " << c.total << ", other " << c.other
+                 << (c.splitLines ? ", lines split" : ", width split"));
     manager.figure = c.figure;
     unsigned int lines = 77, pixels = 77, lineBytes = 77;
     unsigned char *buffer = nullptr;
     try {
-      CalcAndGetFixedBufferForThreads(c.total, c.other, c.bytesPerPixel, c.threads, &lines,
-                                      &pixels, &lineBytes, &buffer, c.splitLines);
+      CalcAndGetFixedBufferForThreads(c.total, c.other, c.bytesPerPixel, c.threads, &lines, &pixels,
+                                      &lineBytes, &buffer, c.splitLines);
       EXPECT_EQ(c.code, 0);
       EXPECT_EQ(c.lines, lines);
       EXPECT_EQ(c.pixels, pixels);
       EXPECT_EQ(c.lineBytes, lineBytes);
       const std::size_t size = std::size_t{lineBytes} * lines * c.threads;
       ASSERT_EQ(size, allocator.lastSize);
-      EXPECT_EQ(std::vector<unsigned char>(size, 0), std::vector<unsigned char>(buffer, buffer + size));
+      EXPECT_EQ(std::vector<unsigned char>(size, 0),
+                std::vector<unsigned char>(buffer, buffer + size));
       EXPECT_EQ(0xAB, buffer[size]);  // nothing written past the block
       g_pLargeAllocator->Release(buffer);
     } catch (const CVornelException &e) {

@@ -153,7 +153,8 @@ void CalcAndGetFixedBufferForThreads(unsigned int total, unsigned int other, int
                                      unsigned char **buffer, bool splitLines) {
   std::uint64_t lines = splitLines ? total / threadCount : other;
   std::uint64_t pixels = splitLines ? other : total / threadCount;
-  const std::uint64_t pixelBytes = static_cast<std::uint64_t>(static_cast<std::int64_t>(bytesPerPixel));
+  const std::uint64_t pixelBytes =
+      static_cast<std::uint64_t>(static_cast<std::int64_t>(bytesPerPixel));
   std::uint64_t bytes = pixels * pixelBytes;
 
   MemMgrReference memMgr;
@@ -183,8 +184,8 @@ void CalcAndGetFixedBufferForThreads(unsigned int total, unsigned int other, int
   bytes = (bytes + 3) & ~static_cast<std::uint64_t>(3);
 
   const std::uint64_t size = SaturatingProduct(SaturatingProduct(bytes, lines), threadCount);
-  void *block = size <= SIZE_MAX ? g_pLargeAllocator->Allocate(static_cast<std::size_t>(size))
-                                 : nullptr;
+  void *block =
+      size <= SIZE_MAX ? g_pLargeAllocator->Allocate(static_cast<std::size_t>(size)) : nullptr;
   if (block == nullptr) throw CVornelException(3, kScratchSource, kScratchLine);
   std::memset(block, 0, static_cast<std::size_t>(size));
 
