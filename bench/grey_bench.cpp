@@ -124,8 +124,16 @@ std::uint8_t ScalarPixel(Job job, bool exact, const std::uint8_t *table, int d, 
 }
 
 // One plain loop per job and form, so each loop is compiled for its rule.
+// It stays one pixel at a time: left to itself the compiler turns the
+// simpler rules into vector code of its own, and the pair would then measure
+// two vector kernels against each other rather than the per-pixel definition.
+#if defined(__GNUC__) && !defined(__clang__)
+#define OSTREL_BENCH_ONE_PIXEL_AT_A_TIME __attribute__((optimize("no-tree-vectorize")))
+#else
+#define OSTREL_BENCH_ONE_PIXEL_AT_A_TIME
+#endif
 template <Job job, bool exact>
-void ScalarLoop(const Images &im) {
+OSTREL_BENCH_ONE_PIXEL_AT_A_TIME void ScalarLoop(const Images &im) {
   std::uint8_t *const dst = im.Dst();
   const std::uint8_t *const src = im.Src(), *const alpha = im.Alpha(), *const table = im.table;
   const std::size_t n = im.Pixels();
