@@ -1,9 +1,9 @@
 // Stand-in for the memory-manager part of the suite's globals library.
 #include "VornelMemMgr.h"
+#include "process_object.h"
 
 #include <cstdlib>
 #include <limits>
-#include <mutex>
 
 #if defined(_WIN32)
 #ifndef WIN32_LEAN_AND_MEAN
@@ -36,16 +36,9 @@ unsigned int PhysicalMemoryMebibytes() {
   return static_cast<unsigned int>(mebibytes < most ? mebibytes : most);
 }
 
-// Blocks from the C runtime's heap. It lives as long as the process, so its
-// reference count is only nominal.
-class HeapMemMgr final : public IMemMgr {
+// Blocks from the C runtime's heap.
+class HeapMemMgr final : public vornel_suite::ProcessObject<IMemMgr> {
  public:
-  VornelStatus VORNEL_STDCALL QueryInterface(const IID &, void **object) override {
-    if (object != nullptr) *object = nullptr;
-    return kVornelNoInterface;
-  }
-  unsigned long VORNEL_STDCALL AddRef() override { return 1; }
-  unsigned long VORNEL_STDCALL Release() override { return 1; }
   VornelStatus VORNEL_STDCALL Allocate(std::size_t size, void **block) override {
     if (block == nullptr) return kVornelFail;
     *block = std::malloc(size != 0 ? size : 1);
@@ -63,26 +56,10 @@ class HeapMemMgr final : public IMemMgr {
 };
 
 HeapMemMgr g_heapMemMgr;
-
-std::mutex &MemMgrMutex() {
-  static std::mutex mutex;
-  return mutex;
-}
-
-IMemMgr *g_memMgr = &g_heapMemMgr;
+vornel_suite::InstalledObject<IMemMgr> g_memMgr(&g_heapMemMgr);
 
 }  // namespace
 
-IMemMgr *DllGetMemMgr() {
-  std::lock_guard<std::mutex> lock(MemMgrMutex());
-  if (g_memMgr != nullptr) g_memMgr->AddRef();
-  return g_memMgr;
-}
+IMemMgr *DllGetMemMgr() { return g_memMgr.Get(); }
 
-IMemMgr *DllSetMemMgr(IMemMgr *manager) {
-  if (manager != nullptr) manager->AddRef();
-  std::lock_guard<std::mutex> lock(MemMgrMutex());
-  IMemMgr *previous = g_memMgr;
-  g_memMgr = manager;
-  return previous;
-}
+IMemMgr *DllSetMemMgr(IMemMgr *manager) { return g_memMgr.Set(manager); }

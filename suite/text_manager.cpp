@@ -2,20 +2,14 @@
 #include "VornelTextMgr.h"
 
 #include <cstdio>
-#include <mutex>
+
+#include "process_object.h"
 
 namespace {
 
-// Writes each report as one line to standard error. It lives as long as the
-// process, so its reference count is only nominal.
-class StandardErrorTextManager final : public ITextManager {
+// Writes each report as one line to standard error.
+class StandardErrorTextManager final : public vornel_suite::ProcessObject<ITextManager> {
  public:
-  VornelStatus VORNEL_STDCALL QueryInterface(const IID &, void **object) override {
-    if (object != nullptr) *object = nullptr;
-    return kVornelNoInterface;
-  }
-  unsigned long VORNEL_STDCALL AddRef() override { return 1; }
-  unsigned long VORNEL_STDCALL Release() override { return 1; }
   VornelStatus VORNEL_STDCALL ReportException(const CVornelException &e) override {
     std::fprintf(stderr, "%s\n", e.what());
     return kVornelOk;
@@ -23,26 +17,10 @@ class StandardErrorTextManager final : public ITextManager {
 };
 
 StandardErrorTextManager g_standardErrorTextManager;
-
-std::mutex &TextManagerMutex() {
-  static std::mutex mutex;
-  return mutex;
-}
-
-ITextManager *g_textManager = &g_standardErrorTextManager;
+vornel_suite::InstalledObject<ITextManager> g_textManager(&g_standardErrorTextManager);
 
 }  // namespace
 
-ITextManager *DllGetTextMgr() {
-  std::lock_guard<std::mutex> lock(TextManagerMutex());
-  if (g_textManager != nullptr) g_textManager->AddRef();
-  return g_textManager;
-}
+ITextManager *DllGetTextMgr() { return g_textManager.Get(); }
 
-ITextManager *DllSetTextMgr(ITextManager *manager) {
-  if (manager != nullptr) manager->AddRef();
-  std::lock_guard<std::mutex> lock(TextManagerMutex());
-  ITextManager *previous = g_textManager;
-  g_textManager = manager;
-  return previous;
-}
+ITextManager *DllSetTextMgr(ITextManager *manager) { return g_textManager.Set(manager); }
