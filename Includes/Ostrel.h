@@ -60,6 +60,144 @@
 #endif
 
 // ===========================================================================
+// Processor features and worker threads
+// ===========================================================================
+// A query for MMX, a process-wide pool of worker threads with their events,
+// and the sizing of one zeroed scratch buffer shared by several threads. The
+// raster functions above never start threads themselves: a caller cuts a
+// picture into row bands (never column bands: a few 12-bit blends write one
+// pixel past their region on each row), hands each band to a worker, and
+// waits for the bands' done events. examples/band_split.h shows the whole
+// round.
+
+// Nonzero when the processor offers MMX: the same query that decides, when
+// the library is loaded, whether the fast blend forms run.
+OSTREL_API int IsMMX();
+
+// A unit of work for a pool worker. The worker calls Run, the first virtual
+// operation, with no arguments, on its own thread. The pool never deletes a
+// work object; the caller keeps it alive until the done event has fired.
+class CSynchWork {
+ public:
+  virtual void Run() = 0;
+
+ protected:
+  ~CSynchWork() = default;
+};
+
+// A done event of the pool. available is 1 while no caller uses the event,
+// 0 while one does (or when the event could not be made). event is an
+// auto-reset, unnamed event: on Windows a system event handle, elsewhere the
+// library's own event, signalled and waited on with SignalSynchEvent and
+// WaitSynchEvent.
+struct SSynchEvent {
+  unsigned int available;
+  void *event;
+};
+
+// One worker thread of the pool; each worker has its own thread and sleeps
+// on wakeEvent (auto-reset, unnamed). When woken it calls work->Run(),
+// signals doneEvent->event and then sets free back to 1.
+//   free       1 = idle, may be given work; 0 = busy, or the worker could
+//              not be made (its event or thread failed)
+//   doneEvent  the event the worker signals when the work is done
+//   work       the work to run
+// free is written by the worker thread and by the caller: read and write it
+// with SynchFlagLoad and SynchFlagStore (or the platform's interlocked
+// operations).
+struct SSynchWorker {
+  unsigned int free;
+  void *wakeEvent;
+  SSynchEvent *doneEvent;
+  CSynchWork *work;
+};
+
+// The pool, one per process.
+//   state           0
+//   extraWorkers    8: workers made beyond one per processor
+//   workers         extraWorkers + processorCount records; null when the
+//                   process may run on one processor only, or when the array
+//                   could not be allocated
+//   processorCount  set bits among the first 32 of the process affinity
+//                   mask (0 when the worker array could not be allocated)
+//   doneEvents      processorCount + 15 records; null with one processor
+//   doneEventCount  number of records in doneEvents (0 when there are none)
+//
+// To run work: pick a worker whose free is 1 and set it to 0; take a done
+// event whose available is 1 and set that to 0; store the work and the done
+// event in the worker; signal its wakeEvent; wait on the done event, then
+// set its available back to 1. The worker sets free to 1 only after it has
+// signalled the done event, so right after the wait free may still read 0.
+// The pool does no locking of its own: callers that share it from several
+// threads must serialise their choice of records.
+struct SynchStruct {
+  unsigned int state;
+  unsigned int extraWorkers;
+  SSynchWorker *workers;
+  unsigned int processorCount;
+  SSynchEvent *doneEvents;
+  unsigned int doneEventCount;
+};
+
+// The process's pool. The first call builds it (its workers start then and
+// run until the process ends); make that call from one thread, before
+// others use the pool. At process exit the arrays are freed; the threads are
+// neither stopped nor waited for, so no work may be running then.
+OSTREL_API SynchStruct *GetSynchStruct();
+
+// Signals a pool event (a wakeEvent or the event of an SSynchEvent): on
+// Windows this is SetEvent. WaitSynchEvent waits for one without time limit
+// and resets it (WaitForSingleObject with INFINITE on Windows).
+OSTREL_API void SignalSynchEvent(void *event);
+OSTREL_API void WaitSynchEvent(void *event);
+
+// Reads and writes a pool flag (free) that a worker thread may touch at the
+// same time: the load acquires, the store releases. For GCC and Clang hosts;
+// others use their compiler's interlocked operations.
+#if defined(__GNUC__)
+inline unsigned int SynchFlagLoad(const unsigned int *flag) {
+  return __atomic_load_n(flag, __ATOMIC_ACQUIRE);
+}
+inline void SynchFlagStore(unsigned int *flag, unsigned int value) {
+  __atomic_store_n(flag, value, __ATOMIC_RELEASE);
+}
+#endif
+
+// Sizes and allocates one scratch buffer split into threadCount equal
+// slices, one per thread; thread k's slice starts at
+// k * linesPerThread * lineBytes. With splitLines true, total lines are
+// shared out (linesPerThread = total / threadCount) and every line has
+// other pixels; with splitLines false, total pixels of a line are
+// (pixelsPerLine = total / threadCount) and every slice has other lines.
+// threadCount must not be 0 and bytesPerPixel must be positive.
+//
+// The buffer may take a quarter of the memory figure M (MiB) that the
+// suite's memory manager reports: limit = floor(floor(M * 0.5) * 0.5 *
+// 1048576) bytes, in 64-bit arithmetic. When the slices would need more,
+// splitLines true gives fewer lines per slice (limit / (threadCount *
+// lineBytes)), splitLines false narrower lines (lineBytes = limit / (other
+// * threadCount), then pixelsPerLine = lineBytes / bytesPerPixel and
+// lineBytes = pixelsPerLine * bytesPerPixel). lineBytes is then rounded up
+// to a multiple of 4, and lineBytes * linesPerThread * threadCount bytes
+// are taken from g_pLargeAllocator (VornelLargeAllocator.h), zero-filled.
+// The caller releases the buffer through g_pLargeAllocator.
+//
+// Errors (the outputs are written only on success):
+//   the memory manager's query fails, or there is no memory manager:
+//     MakeException with its status
+//   no line fits in a slice (splitLines true), or the line is empty or
+//   longer than 4 GiB (splitLines false):
+//     CVornelException code 1, "Ostrel", line 9870
+//   the allocator has no block of that size:
+//     CVornelException code 3, "Ostrel", line 9870
+OSTREL_API void CalcAndGetFixedBufferForThreads(unsigned int total, unsigned int other,
+                                                int bytesPerPixel, unsigned int threadCount,
+                                                unsigned int *linesPerThread,
+                                                unsigned int *pixelsPerLine,
+                                                unsigned int *lineBytes, unsigned char **buffer,
+                                                bool splitLines);
+
+// ===========================================================================
 // Repeat geometry
 // ===========================================================================
 
@@ -1027,6 +1165,66 @@ OSTREL_API void PostApplyAlpha(unsigned char *alpha, unsigned char *buffer, unsi
 OSTREL_API void PostApplyAlpha(unsigned char *alpha, unsigned short *buffer, unsigned int count);
 
 // ===========================================================================
+// Motion copy
+// ===========================================================================
+// A source region blended through an alpha buffer into a destination in a
+// traversal order the caller chooses, so that a region can be moved inside
+// one buffer: with rows bottom to top when the destination lies below the
+// source, and pixels right to left when it lies right of it, every source
+// pixel is read before it is overwritten. Per pixel W = (a * opacity) / 255
+// and d + ((s - d) * W) / 255 truncated toward zero; every pixel is blended.
+// Exact form only: `exact` is ignored.
+//
+// The call does nothing when a region corner lies outside its buffer
+// (dstLeft >= dstWidth, dstTop >= dstHeight, srcLeft >= srcWidth or
+// srcTop >= srcHeight), or when mode is not one of the four below. The
+// region is then clipped against source and destination. The alpha buffer
+// (never null) is read from its own corner with its own stride; it takes no
+// part in clipping and alphaHeight is not read.
+
+// The traversal order (a 32-bit value).
+enum _EMotionCopyMode : int {
+  eMotionCopyDownRight = 0,  // rows top to bottom, pixels left to right
+  eMotionCopyUpRight = 1,    // rows bottom to top, pixels left to right
+  eMotionCopyDownLeft = 2,   // rows top to bottom, pixels right to left
+  eMotionCopyUpLeft = 3      // rows bottom to top, pixels right to left
+};
+
+// twoLevel sets each nonzero result to 255.
+OSTREL_API void MotionCopyL08ToL08(unsigned char *src, unsigned int srcWidth,
+                                   unsigned int srcHeight, unsigned int srcLeft,
+                                   unsigned int srcTop, unsigned char *alpha,
+                                   unsigned int alphaWidth, unsigned int alphaHeight,
+                                   unsigned int alphaLeft, unsigned int alphaTop,
+                                   unsigned char *dst, unsigned int dstWidth,
+                                   unsigned int dstHeight, unsigned int dstLeft,
+                                   unsigned int dstTop, unsigned char opacity, bool twoLevel,
+                                   unsigned int regionWidth, unsigned int regionHeight,
+                                   _EMotionCopyMode mode, bool exact);
+
+// 16-bit words, neither shifted nor clamped; twoLevel sets each nonzero
+// result to 4095.
+OSTREL_API void MotionCopyL12ToL12(unsigned short *src, unsigned int srcWidth,
+                                   unsigned int srcHeight, unsigned int srcLeft,
+                                   unsigned int srcTop, unsigned char *alpha,
+                                   unsigned int alphaWidth, unsigned int alphaHeight,
+                                   unsigned int alphaLeft, unsigned int alphaTop,
+                                   unsigned short *dst, unsigned int dstWidth,
+                                   unsigned int dstHeight, unsigned int dstLeft,
+                                   unsigned int dstTop, unsigned char opacity, bool twoLevel,
+                                   unsigned int regionWidth, unsigned int regionHeight,
+                                   _EMotionCopyMode mode, bool exact);
+
+// Blue, green and red blended by the one weight; the destination's alpha
+// byte is kept.
+OSTREL_API void MotionCopyTRCWithAlphaBufferToTRC(
+    unsigned int *src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcLeft,
+    unsigned int srcTop, unsigned char *alpha, unsigned int alphaWidth, unsigned int alphaHeight,
+    unsigned int alphaLeft, unsigned int alphaTop, unsigned int *dst, unsigned int dstWidth,
+    unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+    unsigned int regionWidth, unsigned int regionHeight, _EMotionCopyMode mode, bool exact);
+
+// ===========================================================================
 // Marking and level conversion
 // ===========================================================================
 // Grey buffers turned into two-level masks or narrowed to 8 bits, and marks
@@ -1119,6 +1317,30 @@ OSTREL_API void DrawContourOfL08toTRC(unsigned char *src, unsigned int srcWidth,
                                       unsigned int dstLeft, unsigned int dstTop,
                                       unsigned int regionWidth, unsigned int regionHeight,
                                       unsigned int colour);
+
+// ===========================================================================
+// BGR blending
+// ===========================================================================
+// A solid colour laid into a whole blue-green-red picture through a coverage
+// picture of another size, scaled by nearest neighbour. Both pictures have
+// rows padded to a multiple of 4 bytes (the padding is never written) and
+// start with row 0. Destination pixel (x, y) reads the first byte of coverage
+// pixel (min(trunc(x * scaleX), alphaWidth - 1), min(trunc(y * scaleY),
+// alphaHeight - 1)) as a; blue, green and red move by
+// d + ((k - d) * a) / 255. Bits 24-31 of colour are ignored; the fourth byte
+// of a 32-bit pixel is never touched. The coverage picture must not be empty.
+
+OSTREL_API void AlphaBlendBGR24AlphaToBGR24(unsigned char *alpha, unsigned int alphaWidth,
+                                            unsigned int alphaHeight, unsigned int colour,
+                                            unsigned char *dst, unsigned int dstWidth,
+                                            unsigned int dstHeight, double scaleX,
+                                            double scaleY);
+
+OSTREL_API void AlphaBlendBGR32AlphaToBGR32(unsigned char *alpha, unsigned int alphaWidth,
+                                            unsigned int alphaHeight, unsigned int colour,
+                                            unsigned char *dst, unsigned int dstWidth,
+                                            unsigned int dstHeight, double scaleX,
+                                            double scaleY);
 
 // ===========================================================================
 // Binary objects and masks
@@ -1353,227 +1575,5 @@ OSTREL_API void HardFrameL08toL08(unsigned char *src, unsigned char *dst, unsign
 OSTREL_API void HardFrameDownL08toL08(unsigned char *src, unsigned char *dst,
                                       unsigned int width, unsigned int height, int *distTable,
                                       unsigned int R, unsigned int frameWidth);
-
-// ===========================================================================
-// BGR blending
-// ===========================================================================
-// A solid colour laid into a whole blue-green-red picture through a coverage
-// picture of another size, scaled by nearest neighbour. Both pictures have
-// rows padded to a multiple of 4 bytes (the padding is never written) and
-// start with row 0. Destination pixel (x, y) reads the first byte of coverage
-// pixel (min(trunc(x * scaleX), alphaWidth - 1), min(trunc(y * scaleY),
-// alphaHeight - 1)) as a; blue, green and red move by
-// d + ((k - d) * a) / 255. Bits 24-31 of colour are ignored; the fourth byte
-// of a 32-bit pixel is never touched. The coverage picture must not be empty.
-
-OSTREL_API void AlphaBlendBGR24AlphaToBGR24(unsigned char *alpha, unsigned int alphaWidth,
-                                            unsigned int alphaHeight, unsigned int colour,
-                                            unsigned char *dst, unsigned int dstWidth,
-                                            unsigned int dstHeight, double scaleX,
-                                            double scaleY);
-
-OSTREL_API void AlphaBlendBGR32AlphaToBGR32(unsigned char *alpha, unsigned int alphaWidth,
-                                            unsigned int alphaHeight, unsigned int colour,
-                                            unsigned char *dst, unsigned int dstWidth,
-                                            unsigned int dstHeight, double scaleX,
-                                            double scaleY);
-
-// ===========================================================================
-// Motion copy
-// ===========================================================================
-// A source region blended through an alpha buffer into a destination in a
-// traversal order the caller chooses, so that a region can be moved inside
-// one buffer: with rows bottom to top when the destination lies below the
-// source, and pixels right to left when it lies right of it, every source
-// pixel is read before it is overwritten. Per pixel W = (a * opacity) / 255
-// and d + ((s - d) * W) / 255 truncated toward zero; every pixel is blended.
-// Exact form only: `exact` is ignored.
-//
-// The call does nothing when a region corner lies outside its buffer
-// (dstLeft >= dstWidth, dstTop >= dstHeight, srcLeft >= srcWidth or
-// srcTop >= srcHeight), or when mode is not one of the four below. The
-// region is then clipped against source and destination. The alpha buffer
-// (never null) is read from its own corner with its own stride; it takes no
-// part in clipping and alphaHeight is not read.
-
-// The traversal order (a 32-bit value).
-enum _EMotionCopyMode : int {
-  eMotionCopyDownRight = 0,  // rows top to bottom, pixels left to right
-  eMotionCopyUpRight = 1,    // rows bottom to top, pixels left to right
-  eMotionCopyDownLeft = 2,   // rows top to bottom, pixels right to left
-  eMotionCopyUpLeft = 3      // rows bottom to top, pixels right to left
-};
-
-// twoLevel sets each nonzero result to 255.
-OSTREL_API void MotionCopyL08ToL08(unsigned char *src, unsigned int srcWidth,
-                                   unsigned int srcHeight, unsigned int srcLeft,
-                                   unsigned int srcTop, unsigned char *alpha,
-                                   unsigned int alphaWidth, unsigned int alphaHeight,
-                                   unsigned int alphaLeft, unsigned int alphaTop,
-                                   unsigned char *dst, unsigned int dstWidth,
-                                   unsigned int dstHeight, unsigned int dstLeft,
-                                   unsigned int dstTop, unsigned char opacity, bool twoLevel,
-                                   unsigned int regionWidth, unsigned int regionHeight,
-                                   _EMotionCopyMode mode, bool exact);
-
-// 16-bit words, neither shifted nor clamped; twoLevel sets each nonzero
-// result to 4095.
-OSTREL_API void MotionCopyL12ToL12(unsigned short *src, unsigned int srcWidth,
-                                   unsigned int srcHeight, unsigned int srcLeft,
-                                   unsigned int srcTop, unsigned char *alpha,
-                                   unsigned int alphaWidth, unsigned int alphaHeight,
-                                   unsigned int alphaLeft, unsigned int alphaTop,
-                                   unsigned short *dst, unsigned int dstWidth,
-                                   unsigned int dstHeight, unsigned int dstLeft,
-                                   unsigned int dstTop, unsigned char opacity, bool twoLevel,
-                                   unsigned int regionWidth, unsigned int regionHeight,
-                                   _EMotionCopyMode mode, bool exact);
-
-// Blue, green and red blended by the one weight; the destination's alpha
-// byte is kept.
-OSTREL_API void MotionCopyTRCWithAlphaBufferToTRC(
-    unsigned int *src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcLeft,
-    unsigned int srcTop, unsigned char *alpha, unsigned int alphaWidth, unsigned int alphaHeight,
-    unsigned int alphaLeft, unsigned int alphaTop, unsigned int *dst, unsigned int dstWidth,
-    unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
-    unsigned int regionWidth, unsigned int regionHeight, _EMotionCopyMode mode, bool exact);
-
-// ===========================================================================
-// Processor features and worker threads
-// ===========================================================================
-// A query for MMX, a process-wide pool of worker threads with their events,
-// and the sizing of one zeroed scratch buffer shared by several threads. The
-// raster functions above never start threads themselves: a caller cuts a
-// picture into row bands (never column bands: a few 12-bit blends write one
-// pixel past their region on each row), hands each band to a worker, and
-// waits for the bands' done events. examples/band_split.h shows the whole
-// round.
-
-// Nonzero when the processor offers MMX: the same query that decides, when
-// the library is loaded, whether the fast blend forms run.
-OSTREL_API int IsMMX();
-
-// A unit of work for a pool worker. The worker calls Run, the first virtual
-// operation, with no arguments, on its own thread. The pool never deletes a
-// work object; the caller keeps it alive until the done event has fired.
-class CSynchWork {
- public:
-  virtual void Run() = 0;
-
- protected:
-  ~CSynchWork() = default;
-};
-
-// A done event of the pool. available is 1 while no caller uses the event,
-// 0 while one does (or when the event could not be made). event is an
-// auto-reset, unnamed event: on Windows a system event handle, elsewhere the
-// library's own event, signalled and waited on with SignalSynchEvent and
-// WaitSynchEvent.
-struct SSynchEvent {
-  unsigned int available;
-  void *event;
-};
-
-// One worker thread of the pool; each worker has its own thread and sleeps
-// on wakeEvent (auto-reset, unnamed). When woken it calls work->Run(),
-// signals doneEvent->event and then sets free back to 1.
-//   free       1 = idle, may be given work; 0 = busy, or the worker could
-//              not be made (its event or thread failed)
-//   doneEvent  the event the worker signals when the work is done
-//   work       the work to run
-// free is written by the worker thread and by the caller: read and write it
-// with SynchFlagLoad and SynchFlagStore (or the platform's interlocked
-// operations).
-struct SSynchWorker {
-  unsigned int free;
-  void *wakeEvent;
-  SSynchEvent *doneEvent;
-  CSynchWork *work;
-};
-
-// The pool, one per process.
-//   state           0
-//   extraWorkers    8: workers made beyond one per processor
-//   workers         extraWorkers + processorCount records; null when the
-//                   process may run on one processor only, or when the array
-//                   could not be allocated
-//   processorCount  set bits among the first 32 of the process affinity
-//                   mask (0 when the worker array could not be allocated)
-//   doneEvents      processorCount + 15 records; null with one processor
-//   doneEventCount  number of records in doneEvents (0 when there are none)
-//
-// To run work: pick a worker whose free is 1 and set it to 0; take a done
-// event whose available is 1 and set that to 0; store the work and the done
-// event in the worker; signal its wakeEvent; wait on the done event, then
-// set its available back to 1. The worker sets free to 1 only after it has
-// signalled the done event, so right after the wait free may still read 0.
-// The pool does no locking of its own: callers that share it from several
-// threads must serialise their choice of records.
-struct SynchStruct {
-  unsigned int state;
-  unsigned int extraWorkers;
-  SSynchWorker *workers;
-  unsigned int processorCount;
-  SSynchEvent *doneEvents;
-  unsigned int doneEventCount;
-};
-
-// The process's pool. The first call builds it (its workers start then and
-// run until the process ends); make that call from one thread, before
-// others use the pool. At process exit the arrays are freed; the threads are
-// neither stopped nor waited for, so no work may be running then.
-OSTREL_API SynchStruct *GetSynchStruct();
-
-// Signals a pool event (a wakeEvent or the event of an SSynchEvent): on
-// Windows this is SetEvent. WaitSynchEvent waits for one without time limit
-// and resets it (WaitForSingleObject with INFINITE on Windows).
-OSTREL_API void SignalSynchEvent(void *event);
-OSTREL_API void WaitSynchEvent(void *event);
-
-// Reads and writes a pool flag (free) that a worker thread may touch at the
-// same time: the load acquires, the store releases. For GCC and Clang hosts;
-// others use their compiler's interlocked operations.
-#if defined(__GNUC__)
-inline unsigned int SynchFlagLoad(const unsigned int *flag) {
-  return __atomic_load_n(flag, __ATOMIC_ACQUIRE);
-}
-inline void SynchFlagStore(unsigned int *flag, unsigned int value) {
-  __atomic_store_n(flag, value, __ATOMIC_RELEASE);
-}
-#endif
-
-// Sizes and allocates one scratch buffer split into threadCount equal
-// slices, one per thread; thread k's slice starts at
-// k * linesPerThread * lineBytes. With splitLines true, total lines are
-// shared out (linesPerThread = total / threadCount) and every line has
-// other pixels; with splitLines false, total pixels of a line are
-// (pixelsPerLine = total / threadCount) and every slice has other lines.
-// threadCount must not be 0 and bytesPerPixel must be positive.
-//
-// The buffer may take a quarter of the memory figure M (MiB) that the
-// suite's memory manager reports: limit = floor(floor(M * 0.5) * 0.5 *
-// 1048576) bytes, in 64-bit arithmetic. When the slices would need more,
-// splitLines true gives fewer lines per slice (limit / (threadCount *
-// lineBytes)), splitLines false narrower lines (lineBytes = limit / (other
-// * threadCount), then pixelsPerLine = lineBytes / bytesPerPixel and
-// lineBytes = pixelsPerLine * bytesPerPixel). lineBytes is then rounded up
-// to a multiple of 4, and lineBytes * linesPerThread * threadCount bytes
-// are taken from g_pLargeAllocator (VornelLargeAllocator.h), zero-filled.
-// The caller releases the buffer through g_pLargeAllocator.
-//
-// Errors (the outputs are written only on success):
-//   the memory manager's query fails, or there is no memory manager:
-//     MakeException with its status
-//   no line fits in a slice (splitLines true), or the line is empty or
-//   longer than 4 GiB (splitLines false):
-//     CVornelException code 1, "Ostrel", line 9870
-//   the allocator has no block of that size:
-//     CVornelException code 3, "Ostrel", line 9870
-OSTREL_API void CalcAndGetFixedBufferForThreads(unsigned int total, unsigned int other,
-                                                int bytesPerPixel, unsigned int threadCount,
-                                                unsigned int *linesPerThread,
-                                                unsigned int *pixelsPerLine,
-                                                unsigned int *lineBytes, unsigned char **buffer,
-                                                bool splitLines);
 
 #endif  // OSTREL_H
