@@ -1,6 +1,5 @@
 // Alpha masks and lookup tables: ApplyAlphaToL08 in every path against a
-// per-pixel model on clipped random buffers, and hand-computed values of the
-// other members.
+// per-pixel model on clipped random buffers; hand-computed values elsewhere.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,8 +20,7 @@ TEST(AlphaTables, ApplyAlphaToL08MatchesModelInEveryPath) {
       const bool flat = round % 2, exact = round / 2 % 2, flag = round / 4 % 2;
       const u8 opacity = round / 8 % 2 ? 255 : u8(TurnByte(rng));
       const u32 w = 9 + rng() % 5, h = 5, l = rng() % 6, t = rng() % 4, rw = rng() % 12, rh = rng() % 6;
-      auto buf = Random<u8>(w * h, [&] { return TurnByte(rng); });
-      const auto alpha = Random<u8>(w * h, [&] { return TurnByte(rng); });
+      auto buf = TurnBytes(w * h, rng), alpha = TurnBytes(w * h, rng);
       auto want = buf;
       const bool fast = !exact && flag && !flat;
       for (u32 j = t; j < std::min(h, t + rh); ++j) {
@@ -34,38 +32,22 @@ TEST(AlphaTables, ApplyAlphaToL08MatchesModelInEveryPath) {
         }
       }
       FastFlag f(flag);
-      ApplyAlphaToL08(buf.data(), const_cast<u8 *>(alpha.data()), w, h, l, t, opacity, flat, rw, rh, exact);
+      ApplyAlphaToL08(buf.data(), alpha.data(), w, h, l, t, opacity, flat, rw, rh, exact);
       ASSERT_EQ(buf, want) << "round " << round << ", flat " << flat << ", exact " << exact << ", flag " << flag;
     }
   });
 }
 
+// InvertAlphaL08 works in doubles and adds a step where the rise is under one.
 TEST(AlphaTables, HandComputedPixels) {
-  FastFlag f(1);
-  auto l08 = [&](const char *what, u8 a, u8 d, u8 o, bool flat, bool exact, u8 want) {
-    u8 buf = d;
-    ApplyAlphaToL08(&buf, &a, 1, 1, 0, 0, o, flat, 1, 1, exact);
-    EXPECT_EQ(buf, want) << what;
-  };
-  l08("exact, full cover", 255, 255, 255, false, true, 255);
-  l08("fast, full cover", 255, 255, 255, false, false, 254);
-  l08("flat, covered", 1, 200, 255, true, false, 200);
-  l08("flat, uncovered", 0, 200, 255, true, false, 0);
-
-  auto invert = [&](u8 a, u8 d, bool flat, u8 want) {
-    u8 buf = d;
-    InvertAlphaL08(&buf, &a, 1, 1, 0, 0, flat, 1, 1);
-    EXPECT_EQ(buf, want) << "InvertAlphaL08 a " << int(a) << ", d " << int(d) << ", flat " << flat;
-  };
-  invert(128, 64, false, 127);  // 127.5
-  invert(128, 0, false, 1);     // the added step
-  invert(254, 100, false, 101); // 100.39 rises by less than one: +1
-  invert(128, 200, false, 255);
-  invert(255, 9, false, 9);
-  invert(0, 9, false, 9);
-  invert(0, 9, true, 255);
-  invert(3, 9, true, 9);
-
+  struct Case { u8 a, d; bool flat; u8 want; };
+  const Case cases[] = {{128, 64, false, 127}, {128, 0, false, 1},  {254, 100, false, 101}, {128, 200, false, 255},
+                        {170, 1, false, 2},    {255, 9, false, 9},  {0, 9, false, 9},       {0, 9, true, 255},
+                        {3, 9, true, 9}};  // 170, 1: a rise of exactly 0.5 still gets the step
+  for (Case c : cases) {
+    InvertAlphaL08(&c.d, &c.a, 1, 1, 0, 0, c.flat, 1, 1);
+    EXPECT_EQ(c.d, c.want) << "InvertAlphaL08 a " << int(c.a) << ", flat " << c.flat;
+  }
   u16 word = 4000;
   u8 a = 128;
   ApplyAlphaToL12(&word, &a, 1, 1, 0, 0, 200, 1, 1, false);

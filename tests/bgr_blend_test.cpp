@@ -1,6 +1,6 @@
 // BGR blending: both pixel sizes against a nearest-neighbour model over
-// padded rows, on scales that shrink, keep, enlarge and run past the
-// coverage picture.
+// padded rows (the padding and fourth bytes must stay as they were), on scales
+// that shrink, keep, enlarge and run past the coverage picture.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -22,7 +22,7 @@ TEST(BgrBlend, MatchesNearestNeighbourModel) {
     const double sx = scales[rng() % 5], sy = scales[rng() % 5];
     const u32 colour = rng();
     const u32 aRow = (aw * px + 3) / 4 * 4, dRow = (dw * px + 3) / 4 * 4;
-    const auto alpha = Random<u8>(aRow * ah, [&] { return TurnByte(rng); });
+    const auto alpha = TurnBytes(aRow * ah, rng);
     auto dst = Random<u8>(dRow * dh, [&] { return rng(); });
     auto want = dst;
     for (u32 y = 0; y < dh; ++y) {
@@ -39,16 +39,6 @@ TEST(BgrBlend, MatchesNearestNeighbourModel) {
         const_cast<u8 *>(alpha.data()), aw, ah, colour, dst.data(), dw, dh, sx, sy);
     ASSERT_EQ(dst, want) << "round " << round << ", " << px * 8 << " bits, coverage " << aw << "x" << ah
                          << ", destination " << dw << "x" << dh << ", scale " << sx << "," << sy;
-  }
-}
-
-TEST(BgrBlend, FullCoverGivesTheColourAndKeepsPadding) {
-  // 24-bit, width 5: 16-byte rows whose last byte is padding.
-  std::vector<u8> alpha(16 * 2, 255), dst(16 * 2, 7);
-  AlphaBlendBGR24AlphaToBGR24(alpha.data(), 5, 2, 0xEE332211u, dst.data(), 5, 2, 1.0, 1.0);
-  for (u32 i = 0; i < dst.size(); ++i) {
-    const u32 col = i % 16;
-    EXPECT_EQ(dst[i], col == 15 ? 7 : col % 3 == 0 ? 0x11 : col % 3 == 1 ? 0x22 : 0x33) << "byte " << i;
   }
 }
 

@@ -31,20 +31,11 @@ std::vector<u16> RunCentre(Member m, u16 density, u8 a, u8 opacity, u16 d, bool 
   return std::vector<u16>(d8.begin(), d8.end());
 }
 
+// The members the model below leaves out (the L08 ones are in it).
 TEST(DensityBlend, HandComputedPixels) {
   struct Case { Member m; u16 density; u8 alpha, opacity; u16 d; bool exact; u16 want; };
   const Case cases[] = {
-      {kL08, 0, 255, 255, 255, true, 0},
-      {kL08, 0, 255, 255, 255, false, 1},      // 255 + floor(-255 * 254 / 256)
-      {kL08, 255, 255, 255, 0, false, 253},
-      {kL08, 0, 128, 255, 200, true, 100},     // W = 128
-      {kL08, 0, 127, 255, 200, true, 101},
-      {kL08, 0, 128, 254, 200, false, 100},    // w = 127: 200 + floor(-25400 / 256)
-      {kL08Inv, 90, 0, 255, 7, true, 90},
-      {kL08Inv, 90, 255, 255, 7, true, 7},
-      {kL08Inv, 0, 0, 255, 255, false, 1},
       {kL12, 3000, 255, 255, 100, true, 100},  // this member inverts
-      {kL12, 3000, 0, 255, 100, true, 3000},
       {kL12, 3000, 0, 255, 100, false, 3000},  // exact form only
       {kL12Inv, 3000, 255, 255, 100, true, 3000},
       {kL12Inv, 60000, 255, 255, 100, true, 60000},  // not clamped
@@ -58,12 +49,10 @@ TEST(DensityBlend, HandComputedPixels) {
   };
   FastFlag fast(1);
   for (const Case &c : cases) {
-    const auto out = RunCentre(c.m, c.density, c.alpha, c.opacity, c.d, c.exact);
-    for (int i = 0; i < 9; ++i) {
-      EXPECT_EQ(out[i], i == 4 ? c.want : c.d) << "member " << c.m << ", density " << c.density << ", alpha "
-                                               << int(c.alpha) << ", opacity " << int(c.opacity) << ", d "
-                                               << c.d << (c.exact ? ", exact" : ", fast") << ", pixel " << i;
-    }
+    std::vector<u16> want(9, c.d);
+    want[4] = c.want;
+    EXPECT_EQ(RunCentre(c.m, c.density, c.alpha, c.opacity, c.d, c.exact), want)
+        << "member " << c.m << ", density " << c.density << ", alpha " << int(c.alpha);
   }
 }
 
@@ -77,12 +66,10 @@ TEST(DensityBlend, L08MembersMatchModelOnClippedScenes) {
       const u32 aw = 13, ah = 6, al = rng() % 4, at = rng() % 3, dw = 11, dh = 7, dl = rng() % 5, dt = rng() % 4;
       const u32 rw = rng() % 13, rh = rng() % 6;
       const u8 density = u8(TurnByte(rng)), opacity = u8(TurnByte(rng));
-      auto alpha = Random<u8>(aw * ah, [&] { return TurnByte(rng); });
-      auto dst = Random<u8>(dw * dh, [&] { return TurnByte(rng); });
+      auto alpha = TurnBytes(aw * ah, rng), dst = TurnBytes(dw * dh, rng);
       auto want = dst;
       const bool fast = fastAsked && flag;
-      const u32 cols = std::min(dw, dl + (std::min(aw, al + rw) - al)) - dl;
-      const u32 rows = std::min(dh, dt + (std::min(ah, at + rh) - at)) - dt;
+      const u32 cols = Clipped(rw, al, aw, dl, dw), rows = Clipped(rh, at, ah, dt, dh);
       for (u32 j = 0; j < rows; ++j) {
         for (u32 i = 0; i < cols; ++i) {
           int c = alpha[(at + j) * aw + al + i];
@@ -116,10 +103,9 @@ TEST(DensityBlend, BlueOfTrcModes) {
     std::vector<u8> dst(6, c.d);
     AlphaBlendDensityWithAlphaBlueOfTrcToL08(trc.data(), 3, 2, 1, 1, 200, dst.data(), c.opacity, 2, 3, 0, 2, 1, 9,
                                              c.flat, c.scale);
-    for (int i = 0; i < 6; ++i) {
-      EXPECT_EQ(dst[i], i == 4 ? c.want : c.d) << "blue " << c.blue << ", opacity " << int(c.opacity) << ", flat "
-                                               << c.flat << ", scale " << c.scale << ", pixel " << i;
-    }
+    std::vector<u8> want(6, c.d);
+    want[4] = c.want;
+    EXPECT_EQ(dst, want) << "blue " << c.blue << ", opacity " << int(c.opacity) << ", flat " << c.flat;
   }
 }
 

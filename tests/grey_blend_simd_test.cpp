@@ -20,17 +20,11 @@ struct Entry {
   const char *name;
   GreyRowKernel (*of)(const GreyBlendKernels &);
 };
-const Entry kEntries[] = {
-    {"densityByAlpha exact", [](const GreyBlendKernels &t) { return t.densityByAlpha[0]; }},
-    {"densityByAlpha fast", [](const GreyBlendKernels &t) { return t.densityByAlpha[1]; }},
-    {"densityByInverse exact", [](const GreyBlendKernels &t) { return t.densityByInverse[0]; }},
-    {"densityByInverse fast", [](const GreyBlendKernels &t) { return t.densityByInverse[1]; }},
-    {"applyAlpha exact", [](const GreyBlendKernels &t) { return t.applyAlpha[0]; }},
-    {"applyAlpha fast", [](const GreyBlendKernels &t) { return t.applyAlpha[1]; }},
-    {"greysByAlpha", [](const GreyBlendKernels &t) { return t.greysByAlpha; }},
-    {"greysByAlphaTwoLevel", [](const GreyBlendKernels &t) { return t.greysByAlphaTwoLevel; }},
-    {"lookup", [](const GreyBlendKernels &t) { return t.lookup; }},
-};
+#define ENTRY(field) {#field, [](const GreyBlendKernels &t) { return t.field; }}
+const Entry kEntries[] = {ENTRY(densityByAlpha[0]),   ENTRY(densityByAlpha[1]), ENTRY(densityByInverse[0]),
+                          ENTRY(densityByInverse[1]), ENTRY(applyAlpha[0]),     ENTRY(applyAlpha[1]),
+                          ENTRY(greysByAlpha),        ENTRY(greysByAlphaTwoLevel), ENTRY(lookup)};
+#undef ENTRY
 
 TEST(GreyBlendKernels, EveryIsaMatchesScalar) {
 #if OSTREL_X86
@@ -44,9 +38,7 @@ TEST(GreyBlendKernels, EveryIsaMatchesScalar) {
     for (int round = 0; round < 300; ++round) {
       const std::size_t n = round < 101 ? round : rng() % 101;
       const std::size_t off = rng() % 32;
-      const auto src = Random<u8>(n + 64, [&] { return TurnByte(rng); });
-      const auto alpha = Random<u8>(n + 64, [&] { return TurnByte(rng); });
-      const auto start = Random<u8>(n + 64, [&] { return TurnByte(rng); });
+      const auto src = TurnBytes(n + 64, rng), alpha = TurnBytes(n + 64, rng), start = TurnBytes(n + 64, rng);
       ostrel::GreyBlend b;
       b.opacity = opacities[round % 5];
       b.density = TurnByte(rng);

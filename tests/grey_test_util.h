@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <random>
 #include <string>
@@ -59,11 +60,21 @@ inline u32 TurnByte(std::mt19937 &r) {
   return r() % 2 ? kTurns[r() % 6] : r() & 0xFF;
 }
 
+// Columns (or rows) a region of n starting at source s, destination d, covers
+// once cut by a source of extent sw and a destination of extent dw.
+inline u32 Clipped(u32 n, u32 s, u32 sw, u32 d, u32 dw) {
+  return std::min(dw, d + (std::min(sw, s + n) - s)) - d;
+}
+
 template <class T, class Gen>
 std::vector<T> Random(std::size_t n, Gen gen) {
   std::vector<T> v(n);
   for (auto &x : v) x = static_cast<T>(gen());
   return v;
+}
+
+inline std::vector<u8> TurnBytes(std::size_t n, std::mt19937 &r) {
+  return Random<u8>(n, [&] { return TurnByte(r); });
 }
 
 }  // namespace grey_test

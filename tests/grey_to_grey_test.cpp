@@ -1,7 +1,5 @@
-// Grey-to-grey blending: every member in every mode (alpha or none, blendZero,
-// twoLevel) against a per-pixel model on random clipped scenes, and the
-// hand-computed values of the 12-bit members' scaled source and next-pixel
-// two-level test.
+// Grey-to-grey blending: every member in every mode against a per-pixel model
+// on random clipped scenes, and hand-computed pixels pinning the model's quirks.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -53,12 +51,10 @@ void RunMember(Scene &s) {
 }
 
 void Model(Scene &s) {
-  const u32 cols = std::min(s.dw, s.dl + (std::min(s.sw, s.sl + s.rw) - s.sl)) - s.dl;
-  const u32 rows = std::min(s.dh, s.dt + (std::min(s.sh, s.st + s.rh) - s.st)) - s.dt;
+  const u32 cols = Clipped(s.rw, s.sl, s.sw, s.dl, s.dw), rows = Clipped(s.rh, s.st, s.sh, s.dt, s.dh);
   const int full = Is12(s.m) ? 4095 : 255;
   const bool z = s.blendZero != 0;
-  bool force = s.twoLevel && (s.m == kL08 || s.withAlpha);
-  if (Quirky(s.m)) force = false;
+  const bool force = s.twoLevel && (s.m == kL08 || s.withAlpha) && !Quirky(s.m);
   const bool scaled = Quirky(s.m) && (z || !s.withAlpha);
   const bool nextForced = Quirky(s.m) && s.twoLevel && z;
   for (u32 j = 0; j < rows; ++j) {
@@ -95,7 +91,7 @@ TEST(GreyToGreyBlend, EveryMemberAndModeMatchesModel) {
       s.rw = rng() % 10, s.rh = rng() % 6, s.opacity = u8(TurnByte(rng));
       s.src = Random<u16>(s.sw * s.sh, [&] { return Is12(s.m) ? word() : TurnByte(rng) * (rng() % 3 != 0); });
       s.dst = Random<u16>(s.dw * s.dh + 1, [&] { return Is12(s.m) ? word() : TurnByte(rng); });
-      s.alpha = Random<u8>(OwnAlpha(s.m) ? s.aw * 9 : s.sw * s.sh, [&] { return TurnByte(rng); });
+      s.alpha = TurnBytes(OwnAlpha(s.m) ? s.aw * 9 : s.sw * s.sh, rng);
       Scene want = s;
       Model(want);
       RunMember(s);
@@ -108,19 +104,13 @@ TEST(GreyToGreyBlend, EveryMemberAndModeMatchesModel) {
 TEST(GreyToGreyBlend, HandComputedPixels) {
   struct Case { Member m; bool withAlpha; u8 a, opacity, blendZero; bool twoLevel; u16 s, d, want; };
   const Case cases[] = {
-      {kL08, true, 255, 255, 1, false, 77, 9, 77},
-      {kL08, true, 128, 255, 1, false, 0, 200, 100},
-      {kL08, true, 255, 255, 0, true, 0, 7, 7},     // blendZero 0: skipped even by twoLevel
       {kL08, false, 0, 0, 1, true, 5, 3, 255},      // opacity 0: the kept 3 is forced
       {kL08, false, 0, 0, 1, true, 5, 0, 0},
       {kL08Own, false, 0, 0, 1, true, 5, 3, 3},     // no alpha: twoLevel ignored
-      {kL08Flat, true, 1, 200, 1, false, 255, 0, 200},
       {kL08Flat, false, 0, 0, 1, true, 5, 3, 3},
       {kL12, false, 0, 255, 1, false, 4095, 1000, 16},  // 1000 + (4095 / 255 - 1000)
       {kL12, true, 255, 255, 0, false, 4095, 1000, 4095},
-      {kL12, false, 0, 255, 0, false, 4095, 1000, 16},
       {kL12Own, true, 128, 255, 1, true, 4095, 0, 4095},  // 2055, forced
-      {kL12Own, true, 128, 255, 1, false, 4095, 0, 2055},
       {kL12Own, true, 255, 255, 1, false, 60000, 0, 60000},
       {kL12Flat, true, 9, 255, 1, false, 4095, 1000, 16},
   };

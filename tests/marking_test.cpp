@@ -13,13 +13,13 @@ namespace {
 using namespace grey_test;
 
 TEST(Marking, LevelConversions) {
-  const std::vector<u16> words = {0, 1, 15, 16, 4095, 4096, 65535};
+  std::vector<u16> words = {0, 1, 15, 16, 4095, 4096, 65535};
   std::vector<u16> inPlace = words, out12(7, 9);
   std::vector<u8> out8(7, 9), narrowed(7, 9);
   ConvertL12To2LevelL12(inPlace.data(), 7, 1, 0, 0, 7, 1);
-  ConvertL12To2LevelL12(const_cast<u16 *>(words.data()), 7, 1, 0, 0, out12.data(), 7, 1, 0, 0, 7, 1);
-  ConvertL12To2LevelL08(const_cast<u16 *>(words.data()), 7, 1, 0, 0, out8.data(), 7, 1, 0, 0, 7, 1);
-  ConvertL012ToL08(const_cast<u16 *>(words.data()), 7, 1, 0, 0, narrowed.data(), 7, 1, 0, 0, 7, 1);
+  ConvertL12To2LevelL12(words.data(), 7, 1, 0, 0, out12.data(), 7, 1, 0, 0, 7, 1);
+  ConvertL12To2LevelL08(words.data(), 7, 1, 0, 0, out8.data(), 7, 1, 0, 0, 7, 1);
+  ConvertL012ToL08(words.data(), 7, 1, 0, 0, narrowed.data(), 7, 1, 0, 0, 7, 1);
   EXPECT_EQ(inPlace, (std::vector<u16>{0, 255, 255, 255, 255, 255, 255}));
   EXPECT_EQ(out12, (std::vector<u16>{0, 4095, 4095, 4095, 4095, 4095, 4095}));
   EXPECT_EQ(out8, (std::vector<u8>{0, 255, 255, 255, 255, 255, 255}));

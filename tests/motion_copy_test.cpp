@@ -54,8 +54,7 @@ void MovesMatchCopyThroughTemporary(unsigned seed) {
         auto alpha = Random<u8>(aw * 10, [&] { return round < 2 ? 255u : TurnByte(rng); });
         const auto before = Random<P>(w * h, [&] { return sizeof(P) == 2 ? rng() & 0x1FFF : rng(); });
         auto want = before;
-        const u32 cols = std::min(w, dl + (std::min(w, sl + rw) - sl)) - dl;
-        const u32 rows = std::min(h, dt + (std::min(h, st + rh) - st)) - dt;
+        const u32 cols = Clipped(rw, sl, w, dl, w), rows = Clipped(rh, st, h, dt, h);
         for (u32 j = 0; j < rows; ++j) {
           for (u32 i = 0; i < cols; ++i) {
             want[(dt + j) * w + dl + i] = Blend<P>(before[(dt + j) * w + dl + i], before[(st + j) * w + sl + i],
@@ -82,16 +81,14 @@ TEST(MotionCopy, MovesInsideOneBufferMatchCopyThroughTemporary) {
   });
 }
 
-// A 1-wide or 1-high buffer walked in the wrong and the right order.
+// The wrong order smears; mode 4, corners on the far edge and twoLevel.
 TEST(MotionCopy, OrdersEarlyReturnsAndTwoLevel) {
   u8 full[8];
   std::fill(full, full + 8, 255);
   struct Case { const char *what; u32 w, h, sl, st, dl, dt, rw, rh; int mode; u8 opacity; bool twoLevel;
                 std::vector<u8> start, want; };
   const Case cases[] = {
-      {"down one row, bottom to top", 1, 4, 0, 0, 0, 1, 1, 3, 1, 255, false, {1, 2, 3, 4}, {1, 1, 2, 3}},
       {"down one row, top to bottom smears", 1, 4, 0, 0, 0, 1, 1, 3, 0, 255, false, {1, 2, 3, 4}, {1, 1, 1, 1}},
-      {"right one column, right to left", 4, 1, 0, 0, 1, 0, 3, 1, 3, 255, false, {1, 2, 3, 4}, {1, 1, 2, 3}},
       {"right one column, left to right smears", 4, 1, 0, 0, 1, 0, 3, 1, 1, 255, false, {1, 2, 3, 4}, {1, 1, 1, 1}},
       {"mode 4", 4, 1, 0, 0, 1, 0, 3, 1, 4, 255, false, {1, 2, 3, 4}, {1, 2, 3, 4}},
       {"source corner on the right edge", 4, 1, 4, 0, 0, 0, 3, 1, 0, 255, false, {1, 2, 3, 4}, {1, 2, 3, 4}},
