@@ -1,6 +1,5 @@
-// Contour following: points and lengths of small shapes worked by hand,
-// rectangles of many sizes (corners and length), the stopping rules, and a
-// digital disc whose length comes near the circle's.
+// Contour following: small shapes worked by hand, filled rectangles (corners
+// and length) and the stopping rules; a disc's is in the features tests.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -12,14 +11,12 @@
 namespace {
 
 using Points = std::vector<std::pair<int, int>>;
-const double kPi = 3.14159265358979323846;
 
-// Traces from (sx, sy) in a w x h mask holding 1 where `inside` says, in the
-// region (left, top, rw, rh), by default the whole buffer. Also checks that
-// without point output the length is the same and the count 0.
+// Traces from (sx, sy) in a mask of `inside` in a region, by default the
+// buffer; without point output the length is the same and the count 0.
 template <class T, class Inside>
-double Trace(int w, int h, int sx, int sy, Inside inside, Points *points, int left = 0,
-             int top = 0, int rw = -1, int rh = -1) {
+double Trace(int w, int h, int sx, int sy, Inside inside, Points *points, int left = 0, int top = 0, int rw = -1,
+             int rh = -1) {
   std::vector<T> b(w * h);
   for (int i = 0; i < w * h; ++i) b[i] = inside(i % w, i / w) ? 1 : 0;
   if (rw < 0) rw = w, rh = h;
@@ -40,9 +37,6 @@ TEST(ObjectsFollowContour, SmallShapes) {
   EXPECT_TRUE(p.empty());  // an isolated pixel
   EXPECT_EQ(Trace<int>(5, 5, 2, 2, [](int x, int y) { return y == 2 && (x == 2 || x == 3); }, &p), 1.0);
   EXPECT_EQ(p, (Points{{2, 2}, {3, 2}}));  // right and back, the closing step not counted
-  EXPECT_EQ(Trace<unsigned char>(7, 7, 2, 2, [](int x, int y) { return x >= 2 && x <= 4 && y >= 2 && y <= 4; }, &p),
-            7.0);
-  EXPECT_EQ(p, (Points{{2, 2}, {3, 2}, {4, 2}, {4, 3}, {4, 4}, {3, 4}, {2, 4}, {2, 3}}));
   EXPECT_DOUBLE_EQ(Trace<int>(7, 7, 2, 2, [](int x, int y) { return x == y && x >= 2 && x <= 4; }, &p),
                    3 * std::sqrt(2.0));
   EXPECT_EQ(p, (Points{{2, 2}, {3, 3}, {4, 4}, {3, 3}}));  // a diagonal, out and back
@@ -50,18 +44,16 @@ TEST(ObjectsFollowContour, SmallShapes) {
 
 TEST(ObjectsFollowContour, FilledRectanglesCornersAndLength) {
   Points p;
-  for (int w = 2; w <= 9; ++w) {
+  for (int w = 2; w <= 9; ++w)
     for (int h = 2; h <= 7; ++h) {
       const auto rect = [&](int x, int y) { return x >= 2 && x < 2 + w && y >= 2 && y < 2 + h; };
-      const int steps = 2 * (w - 1) + 2 * (h - 1);
+      const int steps = 2 * (w - 1) + 2 * (h - 1), r = w + 1, b = h + 1;
       EXPECT_EQ(Trace<unsigned char>(w + 4, h + 4, 2, 2, rect, &p), steps - 1);
       ASSERT_EQ(static_cast<int>(p.size()), steps) << w << "x" << h;
-      const int r = 2 + w - 1, b = 2 + h - 1;
       EXPECT_EQ(p[w - 1], std::make_pair(r, 2));
       EXPECT_EQ(p[w - 1 + h - 1], std::make_pair(r, b));
       EXPECT_EQ(p[2 * (w - 1) + h - 1], std::make_pair(2, b));
     }
-  }
 }
 
 TEST(ObjectsFollowContour, RegionExitAndRunawayGuard) {
@@ -75,20 +67,6 @@ TEST(ObjectsFollowContour, RegionExitAndRunawayGuard) {
   EXPECT_EQ(Trace<int>(16, 5, 2, 2, bar, &p, 0, 2, 16, 1), 17.0);
   EXPECT_EQ(p.size(), 18u);
   EXPECT_EQ(p.back(), std::make_pair(7, 2));
-}
-
-TEST(ObjectsFollowContour, DigitalDiscNearCircumference) {
-  const int r = 40, n = 2 * r + 5, c = n / 2;
-  const auto disc = [&](int x, int y) { return (x - c) * (x - c) + (y - c) * (y - c) <= r * r; };
-  Points p;
-  const double length = Trace<int>(n, n, c, c - r, disc, &p);
-  EXPECT_GT(length, 0.95 * 2 * kPi * r);
-  EXPECT_LT(length, 1.12 * 2 * kPi * r);
-  for (const auto &q : p) {  // boundary pixels only
-    ASSERT_TRUE(disc(q.first, q.second));
-    EXPECT_FALSE(disc(q.first - 1, q.second) && disc(q.first + 1, q.second) && disc(q.first, q.second - 1) &&
-                 disc(q.first, q.second + 1));
-  }
 }
 
 }  // namespace
