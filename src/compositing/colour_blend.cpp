@@ -23,6 +23,28 @@ void BlendSourceRows(unsigned int *src, unsigned int srcWidth, unsigned int srcH
   });
 }
 
+// The alpha-buffer members: coverage from an alpha plane paired with the
+// source; the region is clipped against source and destination only.
+void BlendThroughAlphaPlane(unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
+                            unsigned int srcLeft, unsigned int srcTop, const Plane<const unsigned char> &a,
+                            unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
+                            unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                            unsigned int regionWidth, unsigned int regionHeight, int form,
+                            const char *caller) {
+  const auto s = MakePlane(static_cast<const unsigned int *>(src), srcWidth, srcHeight, srcLeft, srcTop);
+  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const Extent e = ClipPair(s, d, regionWidth, regionHeight, caller);
+  if (e.rows == 0) return;
+  TrcBlend blend;
+  blend.opacity = opacity;
+  BlendRows(e, ActiveTrcBlendKernels().pixelsByBytes[form], blend, [&](std::uint32_t j) {
+    TrcRow row{d.Row(j), e.columns};
+    row.pixels = s.Row(j);
+    row.bytes = a.Row(j);
+    return row;
+  });
+}
+
 }  // namespace
 }  // namespace ostrel
 
@@ -80,20 +102,12 @@ void AlphaBlendTRCWithAlphaBufferToTRC(unsigned int *src, unsigned char *alpha,
                                        unsigned int dstTop, unsigned char opacity,
                                        unsigned int regionWidth, unsigned int regionHeight,
                                        bool exact) {
-  using namespace ostrel;
-  const auto s = MakePlane(static_cast<const unsigned int *>(src), srcWidth, srcHeight, srcLeft, srcTop);
-  const auto a = MakePlane(static_cast<const unsigned char *>(alpha), srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const Extent e = ClipPair(s, d, regionWidth, regionHeight);
-  if (e.rows == 0) return;
-  TrcBlend blend;
-  blend.opacity = opacity;
-  BlendRows(e, ActiveTrcBlendKernels().pixelsByBytes[FormIndex(exact)], blend, [&](std::uint32_t j) {
-    TrcRow row{d.Row(j), e.columns};
-    row.pixels = s.Row(j);
-    row.bytes = a.Row(j);
-    return row;
-  });
+  // The alpha buffer shares the source's geometry.
+  ostrel::BlendThroughAlphaPlane(
+      src, srcWidth, srcHeight, srcLeft, srcTop,
+      ostrel::MakePlane(static_cast<const unsigned char *>(alpha), srcWidth, srcHeight, srcLeft, srcTop),
+      dst, dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
+      FormIndex(exact), __func__);
 }
 
 void AlphaBlendTRCWithAlphaBufferToTRC(unsigned int *src, unsigned int srcWidth,
@@ -106,19 +120,9 @@ void AlphaBlendTRCWithAlphaBufferToTRC(unsigned int *src, unsigned int srcWidth,
                                        unsigned int dstTop, unsigned char opacity,
                                        unsigned int regionWidth, unsigned int regionHeight,
                                        bool /*exact: this overload has the exact form only*/) {
-  using namespace ostrel;
-  const auto s = MakePlane(static_cast<const unsigned int *>(src), srcWidth, srcHeight, srcLeft, srcTop);
-  const auto a = MakePlane(static_cast<const unsigned char *>(alpha), alphaWidth, alphaHeight, alphaLeft, alphaTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const Extent e = ClipPair(s, d, regionWidth, regionHeight);
-  if (e.rows == 0) return;
-  TrcBlend blend;
-  blend.opacity = opacity;
-  const auto exactForm = static_cast<int>(blend::Form::kExact);
-  BlendRows(e, ActiveTrcBlendKernels().pixelsByBytes[exactForm], blend, [&](std::uint32_t j) {
-    TrcRow row{d.Row(j), e.columns};
-    row.pixels = s.Row(j);
-    row.bytes = a.Row(j);
-    return row;
-  });
+  ostrel::BlendThroughAlphaPlane(
+      src, srcWidth, srcHeight, srcLeft, srcTop,
+      ostrel::MakePlane(static_cast<const unsigned char *>(alpha), alphaWidth, alphaHeight, alphaLeft, alphaTop),
+      dst, dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
+      static_cast<int>(ostrel::blend::Form::kExact), __func__);
 }

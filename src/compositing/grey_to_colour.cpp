@@ -40,13 +40,6 @@ void BlendThroughGrey(const unsigned char *src, unsigned int srcWidth, unsigned 
   }
 }
 
-TrcBlend PaintBlend(unsigned int colour, unsigned char opacity) {
-  TrcBlend blend;
-  blend.colour = colour;
-  blend.opacity = opacity;
-  return blend;
-}
-
 }  // namespace
 }  // namespace ostrel
 

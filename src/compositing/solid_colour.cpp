@@ -24,13 +24,6 @@ void BlendThroughMask(const unsigned char *mask, unsigned int maskWidth, unsigne
   }
 }
 
-TrcBlend PaintBlend(unsigned int colour, unsigned int opacity) {
-  TrcBlend blend;
-  blend.colour = colour;
-  blend.opacity = opacity;
-  return blend;
-}
-
 }  // namespace
 }  // namespace ostrel
 

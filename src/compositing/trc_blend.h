@@ -15,6 +15,14 @@ inline int FormIndex(bool exact) {
   return static_cast<int>(frame::UseFastForm(exact) ? blend::Form::kFast : blend::Form::kExact);
 }
 
+// The blend of a paint colour at an opacity.
+inline TrcBlend PaintBlend(unsigned int colour, unsigned int opacity) {
+  TrcBlend blend;
+  blend.colour = colour;
+  blend.opacity = opacity;
+  return blend;
+}
+
 // Calls kernel(rowOf(j), blend) for each row j of the clipped region.
 template <class RowOf>
 void BlendRows(Extent e, TrcRowKernel kernel, const TrcBlend &blend, RowOf &&rowOf) {
