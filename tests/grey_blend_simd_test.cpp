@@ -27,7 +27,7 @@ const Entry kEntries[] = {ENTRY(densityByAlpha[0]),   ENTRY(densityByAlpha[1]), 
 #undef ENTRY
 
 TEST(GreyBlendKernels, EveryIsaMatchesScalar) {
-#if OSTREL_X86
+#if OSTREL_KERNELS_X86
   std::vector<const GreyBlendKernels *> tables = {&ostrel::GreyBlendKernelsSse2};
   if (ostrel::simd::SupportedIsa() == Isa::kAvx2) tables.push_back(&ostrel::GreyBlendKernelsAvx2);
   std::mt19937 rng(23);

@@ -8,6 +8,7 @@ namespace simd {
 namespace {
 
 Isa DetectIsa() {
+  if (!OSTREL_KERNELS_X86) return Isa::kScalar;
   const frame::CpuFeatures f = frame::ReadCpuFeatures();
   if (f.avx2 && f.sse2) return Isa::kAvx2;
   if (f.sse2) return Isa::kSse2;

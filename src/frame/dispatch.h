@@ -25,6 +25,16 @@
 #define OSTREL_X86 0
 #endif
 
+// OSTREL_KERNELS_X86 is 1 when the build compiles the SSE2 and AVX2 kernel
+// files (an x86 target, configured with OSTREL_SIMD on), 0 when only the
+// scalar tables exist. The build system decides and defines it.
+#ifndef OSTREL_KERNELS_X86
+#error "OSTREL_KERNELS_X86 must be defined by the build (0 or 1)"
+#endif
+#if OSTREL_KERNELS_X86 && !OSTREL_X86
+#error "OSTREL_KERNELS_X86 needs an x86 target"
+#endif
+
 // Marks a function whose body uses AVX2 instructions. The rest of the
 // library is compiled for the baseline, so nothing shared (inline functions,
 // templates) is ever emitted with AVX2 instructions by accident.
@@ -59,7 +69,8 @@ enum class Isa : int { kScalar = 0, kSse2 = 1, kAvx2 = 2 };
 // The active instruction set, as an Isa value (set at load).
 extern std::atomic<int> g_activeIsa;
 
-// The best instruction set the processor offers (kScalar off x86).
+// The best instruction set the processor offers and the build has kernels
+// for (kScalar off x86, and in a build without vector kernels).
 Isa SupportedIsa();
 
 // The instruction set the kernels run with: SupportedIsa(), unless a test
@@ -90,7 +101,7 @@ const Table &Pick(const Table &scalar, const Table *sse2, const Table *avx2) {
 }  // namespace ostrel
 
 // Declares the three tables of a kernel family and Active<Table>().
-#if OSTREL_X86
+#if OSTREL_KERNELS_X86
 #define OSTREL_KERNEL_FAMILY(Table)                                                    \
   extern const Table Table##Scalar;                                                    \
   extern const Table Table##Sse2;                                                      \

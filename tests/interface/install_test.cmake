@@ -90,9 +90,13 @@ if(NOT pc_version STREQUAL VERSION)
 endif()
 run(${pc_env} ${PKG_CONFIG} --cflags --libs ostrel)
 separate_arguments(pc_flags UNIX_COMMAND "${run_output}")
+# The README's command for a prefix outside the loader's folders: the
+# library's folder as the program's run path, from the .pc file's libdir.
+run(${pc_env} ${PKG_CONFIG} --variable=libdir ostrel)
+string(STRIP "${run_output}" pc_libdir)
 separate_arguments(cxx_flags UNIX_COMMAND "${CXX_FLAGS}")
 run(${CXX} ${cxx_flags} -std=c++17 -Wall -Wextra -Werror "${CONSUMER_DIR}/main.cpp" ${pc_flags}
-    -o "${WORK_DIR}/pc-host")
-run(${CMAKE_COMMAND} -E env "LD_LIBRARY_PATH=${libdir}" "${WORK_DIR}/pc-host")
+    "-Wl,-rpath,${pc_libdir}" -o "${WORK_DIR}/pc-host")
+run(${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH "${WORK_DIR}/pc-host")
 
 cleanup()
