@@ -59,16 +59,24 @@
 #  define OSTREL_API __attribute__((visibility("default")))
 #endif
 
+// The library's version, MAJOR.MINOR.PATCH: the version of the package that
+// this header belongs to. The major number is also the ABI version of the
+// shared library (its SONAME on ELF systems: libostrel.so.1).
+#define OSTREL_VERSION_MAJOR 1
+#define OSTREL_VERSION_MINOR 0
+#define OSTREL_VERSION_PATCH 0
+
 // ===========================================================================
 // Processor features and worker threads
 // ===========================================================================
 // A query for MMX, a process-wide pool of worker threads with their events,
-// and the sizing of one zeroed scratch buffer shared by several threads. The
-// raster functions above never start threads themselves: a caller cuts a
-// picture into row bands (never column bands: a few 12-bit blends write one
-// pixel past their region on each row), hands each band to a worker, and
-// waits for the bands' done events. examples/band_split.h shows the whole
-// round.
+// and the sizing of one zeroed scratch buffer shared by several threads. No
+// other function starts threads: the raster functions (the compositing and
+// object sections further down) run on the caller's thread. To spread such a
+// call over several threads, a caller cuts a picture into row bands (never
+// column bands: a few 12-bit blends write one pixel past their region on
+// each row), hands each band to a worker, and waits for the bands' done
+// events. examples/band_split.h shows the whole round.
 
 // Nonzero when the processor offers MMX: the same query that decides, when
 // the library is loaded, whether the fast blend forms run.
@@ -214,6 +222,67 @@ OSTREL_API void CalcAndGetFixedBufferForThreads(unsigned int total, unsigned int
 // floor-modulo, always in 0 .. P-1 for P > 0 (-1 mod 10 = 9); "trunc"
 // converts a double toward zero to a 32-bit integer (a value out of range
 // gives 0x80000000).
+//
+// Quirks kept on purpose. Where the repeat functions depart from what their
+// names suggest, the historical results are part of the contract. Each quirk
+// below is held by the test named after it (test suite.test name, in
+// tests/repeat_*_test.cpp):
+//  - ggT keeps the sign the truncating remainders leave (ggT(4, -6) = -2),
+//    kgV wraps the product before dividing (kgV(65536, 65536) = 0),
+//    Fakultaet wraps from 13 on, and NUeberK(n, k) is 1 for n < k.
+//    RepeatArithmetic.GgTKgVFakultaetNUeberK
+//  - GetRapport with epsilon 0 puts a negative multiple of the size one
+//    repeat low (-10 in repeats of 10: -2); an epsilon of 1 or more
+//    truncates the position first (-10.5: -1). SetInRappAndCalcRapp takes the
+//    index from the truncated size but the rest from the exact one, so the
+//    rest can be negative (30 in repeats of 10.5: index 3, rest -1).
+//    CalcNrOfHDropRepeats allows n pixels of rounding over n repeats (length
+//    100, drop 7: 13).
+//    RepeatArithmetic.RepeatIndexPositionInsideAndHDropRepeats
+//  - CalcParts keeps a middle piece of length 0 when both seams fall on one
+//    pixel, and a period of 0 takes part as 0. CalcParts2 with period 0
+//    writes parts[0] although the count is 0, and a run whose rest is a
+//    multiple of the period above the period ends in a piece of length 0.
+//    RepeatArithmetic.CalcPartsSplitsAtTheSeams
+//  - SetInRapp with eDropHorizontal is not the mirror image of
+//    eDropVertical (examples in a 100 x 80 tile): x = 0 folds nothing
+//    (0, 170 with drop 25 stays); x >= repeatWidth gets no row step while y
+//    loses a width (150, 10 with drop 25 gives 150, -90); rows are counted
+//    from y's unsigned bit pattern, for x < 0 from its unsigned negation,
+//    also for y >= 0; and a position that lands on a negative multiple of the
+//    width comes out as x = repeatWidth (50, 170 with drop 75 gives 100, -90).
+//    RepeatFolding.HorizontalDropKeepsItsFixedSteps
+//  - SetInRappDb moves by trunc(n * step), once per fold, and a shift beyond
+//    the int range gives 0x80000000 where SetInRapp wraps. SetInRappMM
+//    counts the rows of eDropHorizontal from y itself, 1 - trunc(y /
+//    repeatHeight).
+//    RepeatFolding.DbTruncatesOncePerFoldAndMMKeepsFractions
+//  - VPToFPDb rounds the drop of n repeats half away from zero where
+//    SetInRappDb truncates.
+//    RepeatCoordinates.VPToFPFoldsAsTheEndlessDesign
+//  - FPToSnappedSP never folds: the drop argument is not used, and both
+//    drop kinds give the unfolded view position, less the scroll.
+//    RepeatCoordinates.FPToVPAndFPToSnappedSPInvertVPToFP
+//  - The snap moves x right by trunc(zoom / 2 + 0.5) but y up by
+//    trunc(zoom / 2 - 0.5), in either orientation (+2 and -1 at zoom 4); the
+//    scroll is taken off before the truncation; bottomUp keeps the low 32
+//    bits of a 64-bit truncation; other kinds write nothing.
+//    RepeatCoordinates.SnapOffsetsAreUnequalAndBottomUpTurns
+//  - MMToSnappedSP quantises positions with (v + 1) - 1 (magnitudes below
+//    about 1.1e-16 become 0) and counts the repeat index one repeat at a
+//    time, so a call takes as long as the point is repeats away from 0.
+//    RepeatCoordinates.MillimetresAndArrayFormsMatchTheOnePointFileForm
+//  - CalcPosAndSizeInRepBuffer: eDropHorizontal writes nothing, not even
+//    *pieceCount; the main piece comes last; the pieces match the rectangle
+//    only for drops 0 .. repeatHeight-1 (with drop 150 in a 100 x 100 tile,
+//    (90, 10, 20, 20) gives a piece at y = -40, outside the buffer).
+//    CalcPosAndSizeInRepBufferInv keeps strips of height 0, and for a
+//    rectangle as large as the tile writes piece 0 as the whole tile with a
+//    count of 0.
+//    RepeatPieces.PiecesComeInTheirOrder
+//  - AdaptFileSizeToFileSizeForViewSize keeps the low 32 bits of a 64-bit
+//    truncation (a grown width of 1e11 gives 1215752192).
+//    RepeatPieces.AdaptFileSizes
 
 // How the copies of the tile are laid out (a 32-bit value passed by value).
 // A straight repeat is eDropVertical or eDropHorizontal with a drop of 0.

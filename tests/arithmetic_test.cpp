@@ -11,7 +11,7 @@
 
 namespace {
 
-using namespace ostrel::blend;
+using namespace ostrel::frame::blend;
 
 int RefExact(int d, int s, int w) { return d + static_cast<int>(std::trunc((s - d) * w / 255.0)); }
 int RefFast(int d, int s, int w) { return d + static_cast<int>(std::floor((s - d) * w / 256.0)); }
@@ -23,8 +23,8 @@ TEST(Blend, WeightsForEveryCoverageAndOpacity) {
     for (int o = 0; o < 256; ++o) {
       const auto exact = static_cast<std::uint32_t>(std::floor(c * o / 255.0));
       const auto fast = static_cast<std::uint32_t>(std::floor(c * o / 256.0));
-      if (ExactWeight(c, o) != exact || FastWeight(c, o) != fast || Weight<Form::kExact>(c, o) != exact ||
-          Weight<Form::kFast>(c, o) != fast) {
+      if (ExactWeight(c, o) != exact || FastWeight(c, o) != fast ||
+          Weight<Form::kExact>(c, o) != exact || Weight<Form::kFast>(c, o) != fast) {
         if (bad++ == 0)
           first << "c=" << c << " o=" << o << ": exact " << ExactWeight(c, o) << " (want " << exact
                 << "), fast " << FastWeight(c, o) << " (want " << fast << ")";
@@ -46,7 +46,8 @@ TEST(Blend, ChannelsForEveryValueAndWeight) {
         if (exact != RefExact(d, s, w) || fast != RefFast(d, s, w)) {
           if (bad++ == 0)
             first << "d=" << d << " s=" << s << " w=" << w << ": exact " << exact << " (want "
-                  << RefExact(d, s, w) << "), fast " << fast << " (want " << RefFast(d, s, w) << ")";
+                  << RefExact(d, s, w) << "), fast " << fast << " (want " << RefFast(d, s, w)
+                  << ")";
         }
       }
     }
@@ -59,15 +60,17 @@ TEST(Blend, PinnedChannelResults) {
     Form form;
     int d, s, weight, want;
   } cases[] = {
-      {Form::kExact, 0, 255, 255, 255}, {Form::kExact, 255, 0, 255, 0},   {Form::kExact, 37, 201, 255, 201},
-      {Form::kFast, 0, 255, 254, 253},  {Form::kExact, 200, 0, 128, 100}, {Form::kFast, 200, 0, 128, 100},
-      {Form::kFast, 200, 0, 127, 100},  {Form::kExact, 200, 0, 127, 101}, {Form::kFast, 0, 255, 0, 0},
+      {Form::kExact, 0, 255, 255, 255},  {Form::kExact, 255, 0, 255, 0},
+      {Form::kExact, 37, 201, 255, 201}, {Form::kFast, 0, 255, 254, 253},
+      {Form::kExact, 200, 0, 128, 100},  {Form::kFast, 200, 0, 128, 100},
+      {Form::kFast, 200, 0, 127, 100},   {Form::kExact, 200, 0, 127, 101},
+      {Form::kFast, 0, 255, 0, 0},
   };
   for (const Case &c : cases) {
     const int got =
         c.form == Form::kExact ? ExactChannel(c.d, c.s, c.weight) : FastChannel(c.d, c.s, c.weight);
-    EXPECT_EQ(got, c.want) << (c.form == Form::kExact ? "exact" : "fast") << " d=" << c.d << " s=" << c.s
-                           << " weight=" << c.weight;
+    EXPECT_EQ(got, c.want) << (c.form == Form::kExact ? "exact" : "fast") << " d=" << c.d
+                           << " s=" << c.s << " weight=" << c.weight;
   }
 }
 
@@ -87,8 +90,8 @@ TEST(Blend, PixelsMoveEachColourChannelAndKeepDestinationAlpha) {
     if (ExactPixel(dst, src, w) != wantExact || FastPixel(dst, src, w) != wantFast) {
       if (bad++ == 0)
         first << std::hex << "dst=" << dst << " src=" << src << " w=" << w << ": exact "
-              << ExactPixel(dst, src, w) << " (want " << wantExact << "), fast " << FastPixel(dst, src, w)
-              << " (want " << wantFast << ")";
+              << ExactPixel(dst, src, w) << " (want " << wantExact << "), fast "
+              << FastPixel(dst, src, w) << " (want " << wantFast << ")";
     }
   }
   EXPECT_EQ(bad, 0) << first.str();

@@ -39,7 +39,18 @@ TEST(CheckedBuildDeathTest, CallerErrorsAbortNamingFunctionAndCondition) {
          SetInRapp(-5, 3, 0, 80, 0, eDropVertical, &x, &y);
        },
        "Ostrel: caller error in SetInRapp: repeatWidth != 0"},
+      {[] {
+         int count, x[5], w[5], y[5], h[5];
+         CalcPosAndSizeInRepBuffer(-5, 3, 1, 1, 0, 80, eDropVertical, 0, &count, x, w, y, h, false);
+       },
+       "Ostrel: caller error in CalcPosAndSizeInRepBuffer: repeatWidth != 0"},
       {[] { kgV(6, 0); }, "Ostrel: caller error in kgV: b != 0"},
+      {[] {
+         unsigned char grey[64] = {};
+         AlphaBlendDensityWithAlphaBlueOfTrcToL08(g_a, 8, 8, 9, 0, 1, grey, 255, 8, 8, 0, 0, 1, 1,
+                                                  false, false);
+       },
+       "Ostrel: caller error in AlphaBlendDensityWithAlphaBlueOfTrcToL08: .*src.left <= src.width"},
       {[] {
          const double xs[] = {1.0}, ys[] = {2.0};
          GetLinearInterpoliertenWert(xs, ys, 1, 0.5);

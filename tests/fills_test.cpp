@@ -35,10 +35,12 @@ std::string Str(const T &...v) {
 template <class T>
 class Canvas {
  public:
-  Canvas(std::size_t n, std::size_t offset, Rng &rng) : n_(n), store_(n + offset + 2 * kGuard + 32) {
+  Canvas(std::size_t n, std::size_t offset, Rng &rng)
+      : n_(n), store_(n + offset + 2 * kGuard + 32) {
     const auto addr = reinterpret_cast<std::uintptr_t>(store_.data() + kGuard);
     start_ = kGuard + (32 - addr % 32) % 32 / sizeof(T) + offset;
-    for (std::size_t i = start_ - kGuard; i < start_ + n + kGuard; ++i) store_[i] = static_cast<T>(rng());
+    for (std::size_t i = start_ - kGuard; i < start_ + n + kGuard; ++i)
+      store_[i] = static_cast<T>(rng());
   }
   T *Data() { return store_.data() + start_; }
   // Guards and contents: element i at kGuard + i.
@@ -54,8 +56,8 @@ class Canvas {
 // ---- Models -------------------------------------------------------------
 
 // (A fill is a board of one colour.)
-void ModelChessboard(u32 *b, u32 width, u32 height, u32 left, u32 top, u32 rw, u32 rh, int phaseX, int phaseY,
-                     u32 c1, u32 c2, u32 size) {
+void ModelChessboard(u32 *b, u32 width, u32 height, u32 left, u32 top, u32 rw, u32 rh, int phaseX,
+                     int phaseY, u32 c1, u32 c2, u32 size) {
   for (u32 y = top; y < height && y - top < rh; ++y) {
     for (u32 i = 0; i < rw; ++i) {
       const double cx = std::floor((double(phaseX) + left + i) / size),
@@ -97,9 +99,9 @@ TEST(Clip, PairCutsAtRightAndBottomOfEitherBuffer) {
   };
   for (const auto &c : cases) {
     u32 s = 0, d = 0;
-    const ostrel::Extent e =
-        ostrel::ClipPair(ostrel::MakePlane(&s, c.p.sw, c.p.sh, c.p.sl, c.p.st),
-                         ostrel::MakePlane(&d, c.p.dw, c.p.dh, c.p.dl, c.p.dt), c.p.rw, c.p.rh);
+    const ostrel::frame::Extent e = ostrel::frame::ClipPair(
+        ostrel::frame::MakePlane(&s, c.p.sw, c.p.sh, c.p.sl, c.p.st),
+        ostrel::frame::MakePlane(&d, c.p.dw, c.p.dh, c.p.dl, c.p.dt), c.p.rw, c.p.rh, "ClipPair");
     EXPECT_EQ(e.columns, c.columns) << "case " << (&c - cases);
     EXPECT_EQ(e.rows, c.rows) << "case " << (&c - cases);
   }
@@ -113,15 +115,18 @@ TEST(Chessboard, PinnedCells) {
     int phaseX, phaseY;
     u32 i, j, want;  // region column and row, and the expected colour
   } cases[] = {
-      {0, 0, 0, 0, 0, 0, kC1},  {0, 0, 0, 0, 7, 7, kC1},  {0, 0, 0, 0, 8, 0, kC2},  {0, 0, 0, 0, 15, 7, kC2},
-      {0, 0, 0, 0, 0, 8, kC2},  {0, 0, 0, 0, 8, 8, kC1},  {5, 5, 0, 0, 2, 0, kC1},  {5, 5, 0, 0, 3, 0, kC2},
-      {5, 5, 0, 0, 0, 7, kC1},  {5, 5, 0, 0, 0, 8, kC2},  {0, 0, -1, 0, 0, 0, kC2}, {0, 0, -1, 0, 1, 0, kC1},
-      {0, 0, -1, 0, 8, 0, kC1}, {0, 0, -1, 0, 9, 0, kC2}, {0, 0, 0, -1, 0, 0, kC2}, {0, 0, 0, -1, 0, 1, kC1},
-      {0, 0, -9, 0, 0, 0, kC1}, {0, 0, -9, 0, 1, 0, kC2}, {3, 2, -3, 0, 0, 0, kC1},
+      {0, 0, 0, 0, 0, 0, kC1},  {0, 0, 0, 0, 7, 7, kC1},  {0, 0, 0, 0, 8, 0, kC2},
+      {0, 0, 0, 0, 15, 7, kC2}, {0, 0, 0, 0, 0, 8, kC2},  {0, 0, 0, 0, 8, 8, kC1},
+      {5, 5, 0, 0, 2, 0, kC1},  {5, 5, 0, 0, 3, 0, kC2},  {5, 5, 0, 0, 0, 7, kC1},
+      {5, 5, 0, 0, 0, 8, kC2},  {0, 0, -1, 0, 0, 0, kC2}, {0, 0, -1, 0, 1, 0, kC1},
+      {0, 0, -1, 0, 8, 0, kC1}, {0, 0, -1, 0, 9, 0, kC2}, {0, 0, 0, -1, 0, 0, kC2},
+      {0, 0, 0, -1, 0, 1, kC1}, {0, 0, -9, 0, 0, 0, kC1}, {0, 0, -9, 0, 1, 0, kC2},
+      {3, 2, -3, 0, 0, 0, kC1},
   };
   for (const auto &c : cases) {
     std::vector<u32> lib(24 * 24, 0), model(24 * 24, 0);
-    ChessboardFillTRCBuffer(lib.data(), 24, 24, c.left, c.top, 16, 16, c.phaseX, c.phaseY, kC1, kC2, 8);
+    ChessboardFillTRCBuffer(lib.data(), 24, 24, c.left, c.top, 16, 16, c.phaseX, c.phaseY, kC1, kC2,
+                            8);
     ModelChessboard(model.data(), 24, 24, c.left, c.top, 16, 16, c.phaseX, c.phaseY, kC1, kC2, 8);
     const std::size_t at = (c.top + c.j) * 24 + c.left + c.i;
     EXPECT_EQ(lib[at], c.want) << "case " << (&c - cases);
@@ -138,20 +143,20 @@ template <class One>
 void CheckEveryIsa(One one) {
   long modelBad = 0, isaBad = 0;
   std::string first;
-  ostrel::simd::LimitIsaForTesting(ostrel::simd::Isa::kScalar);
+  ostrel::frame::simd::LimitIsaForTesting(ostrel::frame::simd::Isa::kScalar);
   for (int seed = 1; seed <= 3000; ++seed) {
     std::string what;
     const auto model = one(seed, true, what);
     decltype(model) scalar = one(seed, false, what);
     if (scalar != model && modelBad++ == 0 && first.empty()) first = "scalar: " + what;
-    for (int isa = 1; isa <= static_cast<int>(ostrel::simd::SupportedIsa()); ++isa) {
-      ostrel::simd::LimitIsaForTesting(static_cast<ostrel::simd::Isa>(isa));
+    for (int isa = 1; isa <= static_cast<int>(ostrel::frame::simd::SupportedIsa()); ++isa) {
+      ostrel::frame::simd::LimitIsaForTesting(static_cast<ostrel::frame::simd::Isa>(isa));
       if (one(seed, false, what) != scalar && isaBad++ == 0 && first.empty())
         first = Str("isa", isa, ":", what);
-      ostrel::simd::LimitIsaForTesting(ostrel::simd::Isa::kScalar);
+      ostrel::frame::simd::LimitIsaForTesting(ostrel::frame::simd::Isa::kScalar);
     }
   }
-  ostrel::simd::LimitIsaForTesting(ostrel::simd::Isa::kAvx2);
+  ostrel::frame::simd::LimitIsaForTesting(ostrel::frame::simd::Isa::kAvx2);
   EXPECT_EQ(modelBad, 0) << "scalar differs from the model; first: " << first;
   EXPECT_EQ(isaBad, 0) << "vector kernels differ from scalar; first: " << first;
 }
@@ -168,19 +173,25 @@ std::vector<u32> RunSingle(int seed, bool model, std::string &what, bool chess) 
   const int px = int(Pick(rng, 0, 200)) - 100, py = int(Pick(rng, 0, 200)) - 100;
   Canvas<u32> b(std::size_t(w) * h, Pick(rng, 0, 3), rng);
   std::vector<u32> out = b.Window();
-  what = Str("buffer", w, "x", h, "region", rw, "x", rh, "at", left, top, "phase", px, py, "square", size);
-  if (model) ModelChessboard(out.data() + kGuard, w, h, left, top, rw, rh, px, py, c1, chess ? c2 : c1, size);
-  if (!model && chess) ChessboardFillTRCBuffer(b.Data(), w, h, left, top, rw, rh, px, py, c1, c2, size);
+  what = Str("buffer", w, "x", h, "region", rw, "x", rh, "at", left, top, "phase", px, py, "square",
+             size);
+  if (model)
+    ModelChessboard(out.data() + kGuard, w, h, left, top, rw, rh, px, py, c1, chess ? c2 : c1,
+                    size);
+  if (!model && chess)
+    ChessboardFillTRCBuffer(b.Data(), w, h, left, top, rw, rh, px, py, c1, c2, size);
   if (!model && !chess) FillTRCBuffer(b.Data(), w, h, left, top, rw, rh, c1);
   return model ? out : b.Window();
 }
 
 TEST(Fill, EveryIsaMatchesModel) {
-  CheckEveryIsa([](int seed, bool model, std::string &what) { return RunSingle(seed, model, what, false); });
+  CheckEveryIsa(
+      [](int seed, bool model, std::string &what) { return RunSingle(seed, model, what, false); });
 }
 
 TEST(Chessboard, EveryIsaMatchesModel) {
-  CheckEveryIsa([](int seed, bool model, std::string &what) { return RunSingle(seed, model, what, true); });
+  CheckEveryIsa(
+      [](int seed, bool model, std::string &what) { return RunSingle(seed, model, what, true); });
 }
 
 // Source and destination anywhere (left <= width, top <= height) at random
@@ -190,26 +201,30 @@ TEST(Chessboard, EveryIsaMatchesModel) {
 std::vector<u32> RunPair(int seed, bool model, std::string &what, bool keyed) {
   Rng rng(seed);
   Pair p;
-  p.sw = Pick(rng, 1, 70), p.sh = Pick(rng, 1, 6), p.sl = Pick(rng, 0, p.sw), p.st = Pick(rng, 0, p.sh);
-  p.dw = Pick(rng, 1, 70), p.dh = Pick(rng, 1, 6), p.dl = Pick(rng, 0, p.dw), p.dt = Pick(rng, 0, p.dh);
+  p.sw = Pick(rng, 1, 70), p.sh = Pick(rng, 1, 6), p.sl = Pick(rng, 0, p.sw),
+  p.st = Pick(rng, 0, p.sh);
+  p.dw = Pick(rng, 1, 70), p.dh = Pick(rng, 1, 6), p.dl = Pick(rng, 0, p.dw),
+  p.dt = Pick(rng, 0, p.dh);
   p.rw = Pick(rng, 0, 67), p.rh = Pick(rng, 0, 8);
   const u32 key = rng();
   Canvas<u32> s(std::size_t(p.sw) * p.sh, Pick(rng, 0, 3), rng),
       d(std::size_t(p.dw) * p.dh, Pick(rng, 0, 3), rng);
   for (u32 i = 0, kind; keyed && i < p.sw * p.sh; ++i) {
-    if ((kind = Pick(rng, 0, 3)) < 2) s.Data()[i] = kind == 0 ? key : key ^ (1u << Pick(rng, 0, 31));
+    if ((kind = Pick(rng, 0, 3)) < 2)
+      s.Data()[i] = kind == 0 ? key : key ^ (1u << Pick(rng, 0, 31));
   }
-  what = Str("src", p.sw, "x", p.sh, "at", p.sl, p.st, "dst", p.dw, "x", p.dh, "at", p.dl, p.dt, "region",
-             p.rw, "x", p.rh);
+  what = Str("src", p.sw, "x", p.sh, "at", p.sl, p.st, "dst", p.dw, "x", p.dh, "at", p.dl, p.dt,
+             "region", p.rw, "x", p.rh);
   std::vector<u32> sw = s.Window(), dw = d.Window();
   if (model) {
     ModelCopy(sw.data() + kGuard, dw.data() + kGuard, p, keyed, key);
   } else {
     if (keyed)
-      CopyTRCToTRCIfNotKeyColor(s.Data(), p.sw, p.sh, p.sl, p.st, d.Data(), p.dw, p.dh, p.dl, p.dt, p.rw,
-                                p.rh, key);
+      CopyTRCToTRCIfNotKeyColor(s.Data(), p.sw, p.sh, p.sl, p.st, d.Data(), p.dw, p.dh, p.dl, p.dt,
+                                p.rw, p.rh, key);
     else
-      Copy2DTRCBufferToTRC(s.Data(), p.sw, p.sh, p.sl, p.st, d.Data(), p.dw, p.dh, p.dl, p.dt, p.rw, p.rh);
+      Copy2DTRCBufferToTRC(s.Data(), p.sw, p.sh, p.sl, p.st, d.Data(), p.dw, p.dh, p.dl, p.dt, p.rw,
+                           p.rh);
     sw = s.Window(), dw = d.Window();
   }
   sw.insert(sw.end(), dw.begin(), dw.end());
@@ -218,7 +233,8 @@ std::vector<u32> RunPair(int seed, bool model, std::string &what, bool keyed) {
 
 TEST(Copy, PlainAndKeyedEveryIsaMatchesModel) {
   for (bool keyed : {false, true})
-    CheckEveryIsa([=](int seed, bool model, std::string &what) { return RunPair(seed, model, what, keyed); });
+    CheckEveryIsa(
+        [=](int seed, bool model, std::string &what) { return RunPair(seed, model, what, keyed); });
 }
 
 TEST(Pack24, EveryIsaMatchesModel) {
@@ -230,7 +246,8 @@ TEST(Pack24, EveryIsaMatchesModel) {
     std::vector<std::uint8_t> out = d.Window();
     what = Str(n, "pixels, dst +", doff, "bytes");
     if (!model) ConvertBufferFrom32To24Bits(s.Data(), d.Data(), n);
-    for (u32 i = 0; model && i < 3 * n; ++i) out[kGuard + i] = std::uint8_t(s.Data()[i / 3] >> (8 * (i % 3)));
+    for (u32 i = 0; model && i < 3 * n; ++i)
+      out[kGuard + i] = std::uint8_t(s.Data()[i / 3] >> (8 * (i % 3)));
     return model ? out : d.Window();
   });
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "MfcUtilities.h"
+#include "Ostrel.h"
 #include "VornelException.h"
 #include "VornelTextMgr.h"
 #include "frame/dispatch.h"
@@ -17,7 +18,7 @@
 
 namespace {
 
-using ostrel::simd::Isa;
+using ostrel::frame::simd::Isa;
 namespace frame = ostrel::frame;
 
 TEST(Module, FastFormFlagIsTheMmxQueryAtLoad) {
@@ -27,19 +28,27 @@ TEST(Module, FastFormFlagIsTheMmxQueryAtLoad) {
 #endif
 }
 
+// The header's version is the project's (whose major number is also the
+// shared library's SONAME version).
+TEST(Module, VersionMacrosAreTheProjectVersion) {
+  EXPECT_EQ(OSTREL_VERSION_MAJOR, OSTREL_PROJECT_VERSION_MAJOR);
+  EXPECT_EQ(OSTREL_VERSION_MINOR, OSTREL_PROJECT_VERSION_MINOR);
+  EXPECT_EQ(OSTREL_VERSION_PATCH, OSTREL_PROJECT_VERSION_PATCH);
+}
+
 TEST(Dispatch, LimitIsClampedToWhatTheProcessorHas) {
-  const int best = static_cast<int>(ostrel::simd::SupportedIsa());
+  const int best = static_cast<int>(ostrel::frame::simd::SupportedIsa());
 #if OSTREL_KERNELS_X86 && (defined(__x86_64__) || defined(_M_X64))
   EXPECT_GE(best, static_cast<int>(Isa::kSse2));  // SSE2 is the x86-64 baseline
 #elif !OSTREL_KERNELS_X86
   EXPECT_EQ(best, static_cast<int>(Isa::kScalar));  // no vector tables were built
 #endif
   for (int limit : {0, 1, 2, 1, 0}) {
-    ostrel::simd::LimitIsaForTesting(static_cast<Isa>(limit));
-    EXPECT_EQ(static_cast<int>(ostrel::simd::ActiveIsa()), std::min(limit, best)) << limit;
+    ostrel::frame::simd::LimitIsaForTesting(static_cast<Isa>(limit));
+    EXPECT_EQ(static_cast<int>(ostrel::frame::simd::ActiveIsa()), std::min(limit, best)) << limit;
   }
-  ostrel::simd::LimitIsaForTesting(Isa::kAvx2);
-  EXPECT_EQ(static_cast<int>(ostrel::simd::ActiveIsa()), best);
+  ostrel::frame::simd::LimitIsaForTesting(Isa::kAvx2);
+  EXPECT_EQ(static_cast<int>(ostrel::frame::simd::ActiveIsa()), best);
 }
 
 TEST(VornelException, KeepsBareFileNameCodeLineAndStatus) {
@@ -47,9 +56,11 @@ TEST(VornelException, KeepsBareFileNameCodeLineAndStatus) {
                                   {"x/y/MfcUtilities", "MfcUtilities"},
                                   {"Ostrel", "Ostrel"},
                                   {"a/b\\c", "c"}};
-  for (const auto &p : paths) EXPECT_STREQ(CVornelException(1, p[0], 2).GetSourceFile(), p[1]) << p[0];
+  for (const auto &p : paths)
+    EXPECT_STREQ(CVornelException(1, p[0], 2).GetSourceFile(), p[1]) << p[0];
 
-  const CVornelException plain(3, "src/frame/Ostrel", 9870), failed(1, "Ostrel", 5, kVornelOutOfMemory);
+  const CVornelException plain(3, "src/frame/Ostrel", 9870),
+      failed(1, "Ostrel", 5, kVornelOutOfMemory);
   EXPECT_EQ(plain.GetCode(), 3);
   EXPECT_EQ(plain.GetLine(), 9870);
   EXPECT_EQ(plain.GetStatus(), 0);
@@ -62,7 +73,8 @@ TEST(VornelException, KeepsBareFileNameCodeLineAndStatus) {
 
 // Failure statuses must be negative for callers and MakeException to see them as failures.
 TEST(VornelException, MakeExceptionThrowsForNegativeStatusOnly) {
-  for (long status : {0L, 1L, 0x7FFFFFFFL}) EXPECT_NO_THROW(MakeException(status, nullptr)) << status;
+  for (long status : {0L, 1L, 0x7FFFFFFFL})
+    EXPECT_NO_THROW(MakeException(status, nullptr)) << status;
   for (long status : {-1L, kVornelFail, kVornelNoInterface, kVornelOutOfMemory}) {
     EXPECT_LT(status, 0) << std::hex << "status 0x" << status;
     try {
@@ -78,7 +90,9 @@ TEST(VornelException, MakeExceptionThrowsForNegativeStatusOnly) {
 // Counts references and keeps what it is asked to report.
 class RecordingTextManager final : public ITextManager {
  public:
-  VornelStatus VORNEL_STDCALL QueryInterface(const IID &, void **) override { return kVornelNoInterface; }
+  VornelStatus VORNEL_STDCALL QueryInterface(const IID &, void **) override {
+    return kVornelNoInterface;
+  }
   unsigned long VORNEL_STDCALL AddRef() override { return ++refs; }
   unsigned long VORNEL_STDCALL Release() override { return --refs; }
   VornelStatus VORNEL_STDCALL ReportException(const CVornelException &e) override {
@@ -98,7 +112,8 @@ class TextManagerTest : public ::testing::Test {
   }
   void TearDown() override {
     if (ITextManager *ours = DllSetTextMgr(previous_)) ours->Release();
-    if (previous_ != nullptr) previous_->Release();  // the reference the first DllSetTextMgr handed over
+    if (previous_ != nullptr)
+      previous_->Release();  // the reference the first DllSetTextMgr handed over
     EXPECT_EQ(manager_.refs, 0u);
   }
   // The handler's return per message: with a text manager, without one.
@@ -154,7 +169,8 @@ TEST_F(TextManagerTest, HandlerWithoutManagerFallsBackToFrameworkDefault) {
         app_.ProcessWndProcException(std::make_exception_ptr(std::runtime_error("boom")), &msg);
     const std::string err = ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(got, m.framework) << "message " << m.message;
-    EXPECT_NE(err.find("boom"), std::string::npos) << err;  // the default writes the exception's text
+    EXPECT_NE(err.find("boom"), std::string::npos)
+        << err;  // the default writes the exception's text
   }
   EXPECT_TRUE(manager_.reports.empty());
   DllSetTextMgr(ours);  // installed again (a reference added) for TearDown

@@ -12,24 +12,30 @@
 namespace {
 
 using namespace grey_test;
-using ostrel::GreyBlendKernels;
-using ostrel::GreyRowKernel;
-using ostrel::simd::Isa;
+using ostrel::compositing::GreyBlendKernels;
+using ostrel::compositing::GreyRowKernel;
+using ostrel::frame::simd::Isa;
 
 struct Entry {
   const char *name;
   GreyRowKernel (*of)(const GreyBlendKernels &);
 };
-#define ENTRY(field) {#field, [](const GreyBlendKernels &t) { return t.field; }}
-const Entry kEntries[] = {ENTRY(densityByAlpha[0]),   ENTRY(densityByAlpha[1]), ENTRY(densityByInverse[0]),
-                          ENTRY(densityByInverse[1]), ENTRY(applyAlpha[0]),     ENTRY(applyAlpha[1]),
-                          ENTRY(greysByAlpha),        ENTRY(greysByAlphaTwoLevel), ENTRY(lookup)};
+#define ENTRY(field)                                          \
+  {                                                           \
+#field, [](const GreyBlendKernels &t) { return t.field; } \
+  }
+const Entry kEntries[] = {
+    ENTRY(densityByAlpha[0]),   ENTRY(densityByAlpha[1]),    ENTRY(densityByInverse[0]),
+    ENTRY(densityByInverse[1]), ENTRY(applyAlpha[0]),        ENTRY(applyAlpha[1]),
+    ENTRY(greysByAlpha),        ENTRY(greysByAlphaTwoLevel), ENTRY(lookup)};
 #undef ENTRY
 
 TEST(GreyBlendKernels, EveryIsaMatchesScalar) {
 #if OSTREL_KERNELS_X86
-  std::vector<const GreyBlendKernels *> tables = {&ostrel::GreyBlendKernelsSse2};
-  if (ostrel::simd::SupportedIsa() == Isa::kAvx2) tables.push_back(&ostrel::GreyBlendKernelsAvx2);
+  std::vector<const GreyBlendKernels *> tables = {&ostrel::compositing::GreyBlendKernelsSse2};
+  if (ostrel::frame::simd::SupportedIsa() == Isa::kAvx2) {
+    tables.push_back(&ostrel::compositing::GreyBlendKernelsAvx2);
+  }
   std::mt19937 rng(23);
   std::vector<u8> table(256);
   for (auto &t : table) t = u8(rng());
@@ -38,20 +44,21 @@ TEST(GreyBlendKernels, EveryIsaMatchesScalar) {
     for (int round = 0; round < 300; ++round) {
       const std::size_t n = round < 101 ? round : rng() % 101;
       const std::size_t off = rng() % 32;
-      const auto src = TurnBytes(n + 64, rng), alpha = TurnBytes(n + 64, rng), start = TurnBytes(n + 64, rng);
-      ostrel::GreyBlend b;
+      const auto src = TurnBytes(n + 64, rng), alpha = TurnBytes(n + 64, rng),
+                 start = TurnBytes(n + 64, rng);
+      ostrel::compositing::GreyBlend b;
       b.opacity = opacities[round % 5];
       b.density = TurnByte(rng);
       b.table = table.data();
       auto want = start;
-      ostrel::GreyRow row{want.data() + off, n};
+      ostrel::compositing::GreyRow row{want.data() + off, n};
       row.src = src.data() + off + 1;
       row.alpha = alpha.data() + off + 2;
-      entry.of(ostrel::GreyBlendKernelsScalar)(row, b);
+      entry.of(ostrel::compositing::GreyBlendKernelsScalar)(row, b);
       for (std::size_t t = 0; t < tables.size(); ++t) {
         auto got = start;
         row.dst = got.data() + off;
-        entry.of(*tables[t])(row, b);
+        entry.of (*tables[t])(row, b);
         ASSERT_EQ(got, want) << (t == 0 ? "SSE2 " : "AVX2 ") << entry.name << ", " << n
                              << " bytes at offset " << off << ", opacity " << b.opacity;
       }

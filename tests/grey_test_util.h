@@ -37,13 +37,13 @@ class FastFlag {
 // kernels first), then restores the best.
 template <class Body>
 void ForEachIsa(Body &&body) {
-  using ostrel::simd::Isa;
-  for (int isa = 0; isa <= static_cast<int>(ostrel::simd::SupportedIsa()); ++isa) {
+  using ostrel::frame::simd::Isa;
+  for (int isa = 0; isa <= static_cast<int>(ostrel::frame::simd::SupportedIsa()); ++isa) {
     SCOPED_TRACE("instruction set " + std::to_string(isa));
-    ostrel::simd::LimitIsaForTesting(static_cast<Isa>(isa));
+    ostrel::frame::simd::LimitIsaForTesting(static_cast<Isa>(isa));
     body();
   }
-  ostrel::simd::LimitIsaForTesting(Isa::kAvx2);
+  ostrel::frame::simd::LimitIsaForTesting(Isa::kAvx2);
 }
 
 // Exact form: d + ((s - d) * W) / 255 truncated toward zero.

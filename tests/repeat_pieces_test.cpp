@@ -1,18 +1,18 @@
-// Repeat buffer pieces and view sizes: piece orders, a kept zero-height piece and the drop kinds
-// pinned; both piece lists checked pixel by pixel against the folded rectangle.
+// Repeat buffer pieces and view sizes: piece orders, a kept zero-height piece, an unreduced drop
+// and the drop kinds pinned; both piece lists checked pixel by pixel against the folded rectangle.
 #include "repeat_test_util.h"
 
 namespace {
 
 // The count (-3 if not written) and entry 0 (-7s if not written), then x, y, width, height of
 // each piece. mode 0 and 1: CalcPosAndSizeInRepBuffer, wholeTileIfLarger = mode; 2: the inverse.
-std::vector<int> Split(int x, int y, int width, int height, int tileWidth, int tileHeight,
-                       int drop, int mode, _EDropKind kind = eDropVertical) {
+std::vector<int> Split(int x, int y, int width, int height, int tileWidth, int tileHeight, int drop,
+                       int mode, _EDropKind kind = eDropVertical) {
   int count = -3, px[6], pw[6], py[6], ph[6];
   for (int i = 0; i < 6; ++i) px[i] = pw[i] = py[i] = ph[i] = -7;
   if (mode == 2)
-    CalcPosAndSizeInRepBufferInv(x, y, width, height, tileWidth, tileHeight, kind, drop, &count,
-                                 px, pw, py, ph);
+    CalcPosAndSizeInRepBufferInv(x, y, width, height, tileWidth, tileHeight, kind, drop, &count, px,
+                                 pw, py, ph);
   else
     CalcPosAndSizeInRepBuffer(x, y, width, height, tileWidth, tileHeight, kind, drop, &count, px,
                               pw, py, ph, mode == 1);
@@ -30,6 +30,8 @@ TEST(RepeatPieces, PiecesComeInTheirOrder) {
       {90, 10, 20, 20, 50, 0, {0, 60, 10, 20, 90, 10, 10, 20}},
       // The next column split at its bottom seam, then below the tile, then the main piece.
       {90, 90, 20, 20, 95, 0, {0, 0, 10, 15, 0, 95, 10, 5, 90, 0, 10, 10, 90, 90, 10, 10}},
+      // A drop beyond the tile's height is not reduced: the wrapped piece leaves the buffer.
+      {90, 10, 20, 20, 150, 0, {0, -40, 10, 20, 90, 10, 10, 20}},
       {50, 50, 100, 10, 0, 1, {0, 0, 100, 100}},  // as wide as the tile: all of it ...
       {0, 0, 100, 10, 0, 1, {0, 0, 100, 10}},     // ... unless it fits
       {50, 50, 100, 100, 0, 0, {0, 50, 50, 50, 0, 0, 50, 50, 50, 0, 50, 50, 50, 50, 50, 50}},
@@ -38,8 +40,8 @@ TEST(RepeatPieces, PiecesComeInTheirOrder) {
       {0, 0, 100, 80, 0, 2, {0, 80, 100, 20}},  // no empty strips here
       {10, 90, 20, 20, 50, 2, {0, 0, 10, 100, 30, 0, 70, 100, 10, 10, 20, 80}},
       // Across the right seam at y 0: the strip above it has height 0 and is kept.
-      {90, 0, 20, 20, 50, 2,
-       {10, 0, 80, 100, 90, 0, 10, 0, 90, 20, 10, 80, 0, 0, 10, 50, 0, 70, 10, 30}}};
+      {90, 0, 20, 20, 50, 2, {10, 0,  80, 100, 90, 0,  10, 0,  90, 20,
+                              10, 80, 0,  0,   10, 50, 0,  70, 10, 30}}};
   for (const auto &c : cases) {
     const std::vector<int> got = Split(c.x, c.y, c.width, c.height, 100, 100, c.drop, c.mode);
     EXPECT_EQ(std::vector<int>(got.begin() + 5, got.end()), c.want) << c.x << ", " << c.y;
@@ -75,8 +77,8 @@ TEST(RepeatPieces, PiecesCoverTheFoldedRectangleAndTheInverseTheRest) {
             for (int h = 1; h < t[1]; ++h) {
               std::vector<int> want(t[0] * t[1], 0);
               for (int i = 0; i < w * h; ++i) {
-                const auto f = repeat_test::RefFold(x + i % w, y + i / w, t[0], t[1], drop,
-                                                    eDropVertical);
+                const auto f =
+                    repeat_test::RefFold(x + i % w, y + i / w, t[0], t[1], drop, eDropVertical);
                 ++want[f.second * t[0] + f.first];
               }
               // wholeTileIfLarger changes nothing for a rectangle smaller than the tile.
@@ -91,12 +93,13 @@ TEST(RepeatPieces, PiecesCoverTheFoldedRectangleAndTheInverseTheRest) {
 }
 
 TEST(RepeatPieces, AdaptFileSizes) {
-  const double cases[][10] = {  // file, view, resolutions; the view-sized box; the grown file
+  const double cases[][10] = {
+      // file, view, resolutions; the view-sized box; the grown file
       {1000, 500, 800, 800, 1, 1, 800, 400, 1000, 1000},
       {1000, 1000, 800, 800, 2, 1, 400, 800, 2000, 1000},
       {1000, 1000, 800, 800, 1, 2, 800, 400, 1000, 2000},
       {1000, 300, 640, 480, 1, 1, 640, 192, 1000, 750},
-      {1, 1e9, 100, 1, 1, 1, 0, 1, 1215752192, 1e9}};    // 1e11: its low 32 bits
+      {1, 1e9, 100, 1, 1, 1, 0, 1, 1215752192, 1e9}};  // 1e11: its low 32 bits
   for (const auto &c : cases) {
     unsigned s[4] = {7, 7, 7, 7};
     AdaptFileSizeToViewSizeForViewSize(c[0], c[1], c[2], c[3], c[4], c[5], &s[0], &s[1]);

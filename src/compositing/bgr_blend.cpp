@@ -6,6 +6,7 @@
 #include "frame/region.h"
 
 namespace ostrel {
+namespace compositing {
 namespace {
 
 // Bytes per row: rows are padded to a multiple of 4 bytes.
@@ -16,48 +17,51 @@ std::size_t RowBytes(unsigned int width, unsigned int pixelBytes) {
 // The coverage index of destination index v: trunc(v * scale), of which the
 // low 32 bits count, clamped to last (an unsigned comparison).
 std::uint32_t Sample(unsigned int v, double scale, unsigned int last) {
-  const auto index = static_cast<std::uint32_t>(static_cast<std::uint64_t>(TruncToInt64(v * scale)));
-  return MinU32(index, last);
+  const auto index =
+      static_cast<std::uint32_t>(static_cast<std::uint64_t>(frame::TruncToInt64(v * scale)));
+  return frame::MinU32(index, last);
 }
 
 void BlendBgr(unsigned int pixelBytes, const unsigned char *alpha, unsigned int alphaWidth,
               unsigned int alphaHeight, unsigned int colour, unsigned char *dst,
               unsigned int dstWidth, unsigned int dstHeight, double scaleX, double scaleY,
-              const char *caller) {
+              const char *function) {
   // An empty coverage picture makes the clamp wrap: a caller error.
-  OSTREL_EXPECT(caller, dstWidth == 0 || dstHeight == 0 || alphaWidth != 0);
-  OSTREL_EXPECT(caller, dstWidth == 0 || dstHeight == 0 || alphaHeight != 0);
+  OSTREL_EXPECT(function, dstWidth == 0 || dstHeight == 0 || alphaWidth != 0);
+  OSTREL_EXPECT(function, dstWidth == 0 || dstHeight == 0 || alphaHeight != 0);
   const std::size_t alphaRow = RowBytes(alphaWidth, pixelBytes);
   const std::size_t dstRow = RowBytes(dstWidth, pixelBytes);
   for (unsigned int y = 0; y < dstHeight; ++y) {
     const unsigned char *coverage = alpha + Sample(y, scaleY, alphaHeight - 1) * alphaRow;
     unsigned char *out = dst + y * dstRow;
     for (unsigned int x = 0; x < dstWidth; ++x) {
-      const std::uint32_t a = coverage[static_cast<std::size_t>(Sample(x, scaleX, alphaWidth - 1)) * pixelBytes];
+      const std::size_t column = Sample(x, scaleX, alphaWidth - 1);
+      const std::uint32_t a = coverage[column * pixelBytes];
       unsigned char *pixel = out + static_cast<std::size_t>(x) * pixelBytes;
       for (int c = 0; c < 3; ++c) {
         const std::int32_t k = (colour >> (8 * c)) & 0xFF;
-        pixel[c] = static_cast<unsigned char>(blend::ExactChannel(pixel[c], k, a));
+        pixel[c] = static_cast<unsigned char>(frame::blend::ExactChannel(pixel[c], k, a));
       }
     }
   }
 }
 
 }  // namespace
+}  // namespace compositing
 }  // namespace ostrel
 
 void AlphaBlendBGR24AlphaToBGR24(unsigned char *alpha, unsigned int alphaWidth,
-                                 unsigned int alphaHeight, unsigned int colour,
-                                 unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
-                                 double scaleX, double scaleY) {
-  ostrel::BlendBgr(3, alpha, alphaWidth, alphaHeight, colour, dst, dstWidth, dstHeight, scaleX,
-                   scaleY, __func__);
+                                 unsigned int alphaHeight, unsigned int colour, unsigned char *dst,
+                                 unsigned int dstWidth, unsigned int dstHeight, double scaleX,
+                                 double scaleY) {
+  ostrel::compositing::BlendBgr(3, alpha, alphaWidth, alphaHeight, colour, dst, dstWidth, dstHeight,
+                                scaleX, scaleY, __func__);
 }
 
 void AlphaBlendBGR32AlphaToBGR32(unsigned char *alpha, unsigned int alphaWidth,
-                                 unsigned int alphaHeight, unsigned int colour,
-                                 unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
-                                 double scaleX, double scaleY) {
-  ostrel::BlendBgr(4, alpha, alphaWidth, alphaHeight, colour, dst, dstWidth, dstHeight, scaleX,
-                   scaleY, __func__);
+                                 unsigned int alphaHeight, unsigned int colour, unsigned char *dst,
+                                 unsigned int dstWidth, unsigned int dstHeight, double scaleX,
+                                 double scaleY) {
+  ostrel::compositing::BlendBgr(4, alpha, alphaWidth, alphaHeight, colour, dst, dstWidth, dstHeight,
+                                scaleX, scaleY, __func__);
 }

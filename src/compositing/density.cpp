@@ -5,6 +5,7 @@
 #include "compositing/trc_blend.h"
 
 namespace ostrel {
+namespace compositing {
 namespace {
 
 // Runs kernel over the clipped region, coverage as the source group.
@@ -13,140 +14,52 @@ void DensityRows(unsigned char density, unsigned char *alpha, unsigned int alpha
                  unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
                  unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                  unsigned int regionWidth, unsigned int regionHeight, GreyRowKernel kernel,
-                 const char *caller) {
-  const auto a = MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const Extent e = ClipPair(a, d, regionWidth, regionHeight, caller);
+                 const char *function) {
+  const auto a = frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop);
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const frame::Extent e = frame::ClipPair(a, d, regionWidth, regionHeight, function);
   GreyBlend blend;
   blend.density = density;
   blend.opacity = opacity;
-  ForEachRowPair(a, d, e, [&](const std::uint8_t *coverage, std::uint8_t *out, std::uint32_t n) {
-    GreyRow row{out, n};
-    row.alpha = coverage;
-    kernel(row, blend);
-  });
+  frame::ForEachRowPair(a, d, e,
+                        [&](const std::uint8_t *coverage, std::uint8_t *out, std::uint32_t n) {
+                          GreyRow row{out, n};
+                          row.alpha = coverage;
+                          kernel(row, blend);
+                        });
 }
 
-std::uint16_t ExactWord(std::uint16_t d, std::uint32_t target, std::uint32_t weight) {
-  return static_cast<std::uint16_t>(
-      blend::ExactChannel(d, static_cast<std::int32_t>(target), weight));
+// The 12-bit density members, exact form: coverage c = a, or 255 - a when
+// inverse.
+void DensityWords(unsigned short density, unsigned char *alpha, unsigned int alphaWidth,
+                  unsigned int alphaHeight, unsigned int alphaLeft, unsigned int alphaTop,
+                  unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
+                  unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                  unsigned int regionWidth, unsigned int regionHeight, bool inverse,
+                  const char *function) {
+  ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight,
+                   dstLeft, dstTop, regionWidth, regionHeight, function,
+                   [&](unsigned char a, unsigned short &d) {
+                     const std::uint32_t c = inverse ? 255u - a : a;
+                     d = static_cast<std::uint16_t>(frame::blend::ExactChannel(
+                         d, density, frame::blend::ExactWeight(c, opacity)));
+                   });
 }
 
-}  // namespace
-
-}  // namespace ostrel
-
-using ostrel::ActiveGreyBlendKernels;
-using ostrel::FormIndex;
-
-void AlphaBlendDensityToL08(unsigned char density, unsigned char *alpha, unsigned int alphaWidth,
-                            unsigned int alphaHeight, unsigned int alphaLeft,
-                            unsigned int alphaTop, unsigned char *dst, unsigned int dstWidth,
-                            unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-                            unsigned char opacity, unsigned int regionWidth,
-                            unsigned int regionHeight, bool exact) {
-  ostrel::DensityRows(density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst,
-                      dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
-                      ActiveGreyBlendKernels().densityByAlpha[FormIndex(exact)], __func__);
-}
-
-void AlphaBlendDensityToL08Inverted(unsigned char density, unsigned char *alpha,
-                                    unsigned int alphaWidth, unsigned int alphaHeight,
-                                    unsigned int alphaLeft, unsigned int alphaTop,
-                                    unsigned char *dst, unsigned int dstWidth,
-                                    unsigned int dstHeight, unsigned int dstLeft,
-                                    unsigned int dstTop, unsigned char opacity,
-                                    unsigned int regionWidth, unsigned int regionHeight,
-                                    bool exact) {
-  ostrel::DensityRows(density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst,
-                      dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
-                      ActiveGreyBlendKernels().densityByInverse[FormIndex(exact)], __func__);
-}
-
-// The inversion sits in this member, not in the one named Inverted.
-void AlphaBlendDensityToL12(unsigned short density, unsigned char *alpha, unsigned int alphaWidth,
-                            unsigned int alphaHeight, unsigned int alphaLeft,
-                            unsigned int alphaTop, unsigned short *dst, unsigned int dstWidth,
-                            unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-                            unsigned char opacity, unsigned int regionWidth,
-                            unsigned int regionHeight, bool /*exact*/) {
-  ostrel::ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth,
-                           dstHeight, dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                           [&](unsigned char a, unsigned short &d) {
-                             d = ostrel::ExactWord(d, density, ostrel::blend::ExactWeight(255u - a, opacity));
-                           });
-}
-
-void AlphaBlendDensityToL12Inverted(unsigned short density, unsigned char *alpha,
-                                    unsigned int alphaWidth, unsigned int alphaHeight,
-                                    unsigned int alphaLeft, unsigned int alphaTop,
-                                    unsigned short *dst, unsigned int dstWidth,
-                                    unsigned int dstHeight, unsigned int dstLeft,
-                                    unsigned int dstTop, unsigned char opacity,
-                                    unsigned int regionWidth, unsigned int regionHeight,
-                                    bool /*exact*/) {
-  ostrel::ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth,
-                           dstHeight, dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                           [&](unsigned char a, unsigned short &d) {
-                             d = ostrel::ExactWord(d, density, ostrel::blend::ExactWeight(a, opacity));
-                           });
-}
-
-void AlphaBlendDensityToL08Flat(unsigned char density, unsigned char *alpha,
-                                unsigned int alphaWidth, unsigned int alphaHeight,
-                                unsigned int alphaLeft, unsigned int alphaTop, unsigned char *dst,
-                                unsigned int dstWidth, unsigned int dstHeight,
-                                unsigned int dstLeft, unsigned int dstTop,
-                                unsigned int regionWidth, unsigned int regionHeight) {
-  ostrel::ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth,
-                           dstHeight, dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                           [&](unsigned char a, unsigned char &d) {
-                             if (a != 0) d = density;
-                           });
-}
-
-void AlphaBlendDensityToL08FlatInverted(unsigned char density, unsigned char *alpha,
-                                        unsigned int alphaWidth, unsigned int alphaHeight,
-                                        unsigned int alphaLeft, unsigned int alphaTop,
-                                        unsigned char *dst, unsigned int dstWidth,
-                                        unsigned int dstHeight, unsigned int dstLeft,
-                                        unsigned int dstTop, unsigned int regionWidth,
-                                        unsigned int regionHeight) {
-  ostrel::ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth,
-                           dstHeight, dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                           [&](unsigned char a, unsigned char &d) {
-                             if (a == 0) d = density;
-                           });
-}
-
-void AlphaBlendDensityToL12Flat(unsigned short density, unsigned char *alpha,
-                                unsigned int alphaWidth, unsigned int alphaHeight,
-                                unsigned int alphaLeft, unsigned int alphaTop, unsigned short *dst,
-                                unsigned int dstWidth, unsigned int dstHeight,
-                                unsigned int dstLeft, unsigned int dstTop,
-                                unsigned int regionWidth, unsigned int regionHeight) {
-  ostrel::ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth,
-                           dstHeight, dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                           [&](unsigned char a, unsigned short &d) {
-                             if (a != 0) d = density;
-                           });
-}
-
-void AlphaBlendDensityWithAlphaBlueOfTrcToL08(unsigned int *trc, unsigned int trcWidth,
-                                              unsigned int trcHeight, unsigned int trcLeft,
-                                              unsigned int trcTop, unsigned char density,
-                                              unsigned char *dst, unsigned char opacity,
-                                              unsigned int dstWidth, unsigned int dstHeight,
-                                              unsigned int dstLeft, unsigned int dstTop,
-                                              unsigned int regionWidth, unsigned int regionHeight,
-                                              bool flat, bool scaleDensity) {
-  using ostrel::blend::ExactChannel;
-  using ostrel::blend::ExactWeight;
+// AlphaBlendDensityWithAlphaBlueOfTrcToL08: the blue byte of each TRC pixel
+// is the coverage.
+void DensityByBlueOfPixels(unsigned int *trc, unsigned int trcWidth, unsigned int trcHeight,
+                           unsigned int trcLeft, unsigned int trcTop, unsigned char density,
+                           unsigned char *dst, unsigned char opacity, unsigned int dstWidth,
+                           unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                           unsigned int regionWidth, unsigned int regionHeight, bool flat,
+                           bool scaleDensity, const char *function) {
+  using frame::blend::ExactChannel;
+  using frame::blend::ExactWeight;
   const auto run = [&](auto &&pixel) {
-    ostrel::ForEachPixelPair(trc, trcWidth, trcHeight, trcLeft, trcTop, dst, dstWidth, dstHeight,
-                             dstLeft, dstTop, regionWidth, regionHeight,
-                             "AlphaBlendDensityWithAlphaBlueOfTrcToL08",
-                             [&](unsigned int t, unsigned char &d) { pixel(t & 0xFFu, d); });
+    ForEachPixelPair(trc, trcWidth, trcHeight, trcLeft, trcTop, dst, dstWidth, dstHeight, dstLeft,
+                     dstTop, regionWidth, regionHeight, function,
+                     [&](unsigned int t, unsigned char &d) { pixel(t & 0xFFu, d); });
   };
   if (flat) {
     run([&](unsigned int b, unsigned char &d) {
@@ -167,17 +80,113 @@ void AlphaBlendDensityWithAlphaBlueOfTrcToL08(unsigned int *trc, unsigned int tr
   }
 }
 
-void AlphaBlendL08WithAlphaBufferToL08(unsigned char *src, unsigned char *alpha,
-                                       unsigned int srcWidth, unsigned int srcHeight,
-                                       unsigned int srcLeft, unsigned int srcTop,
-                                       unsigned char *dst, unsigned int dstWidth,
-                                       unsigned int dstHeight, unsigned int dstLeft,
-                                       unsigned int dstTop, unsigned char opacity,
-                                       unsigned int regionWidth, unsigned int regionHeight,
-                                       bool /*exact*/) {
-  using ostrel::MakePlane;
-  ostrel::BlendGreysThroughAlpha(MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
-                                 MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
-                                 MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth,
-                                 regionHeight, opacity, false, __func__);
+}  // namespace
+}  // namespace compositing
+}  // namespace ostrel
+
+void AlphaBlendDensityToL08(unsigned char density, unsigned char *alpha, unsigned int alphaWidth,
+                            unsigned int alphaHeight, unsigned int alphaLeft, unsigned int alphaTop,
+                            unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
+                            unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                            unsigned int regionWidth, unsigned int regionHeight, bool exact) {
+  const int form = ostrel::compositing::FormIndex(exact);
+  ostrel::compositing::DensityRows(
+      density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight,
+      dstLeft, dstTop, opacity, regionWidth, regionHeight,
+      ostrel::compositing::ActiveGreyBlendKernels().densityByAlpha[form], __func__);
+}
+
+void AlphaBlendDensityToL08Inverted(
+    unsigned char density, unsigned char *alpha, unsigned int alphaWidth, unsigned int alphaHeight,
+    unsigned int alphaLeft, unsigned int alphaTop, unsigned char *dst, unsigned int dstWidth,
+    unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+    unsigned int regionWidth, unsigned int regionHeight, bool exact) {
+  const int form = ostrel::compositing::FormIndex(exact);
+  ostrel::compositing::DensityRows(
+      density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight,
+      dstLeft, dstTop, opacity, regionWidth, regionHeight,
+      ostrel::compositing::ActiveGreyBlendKernels().densityByInverse[form], __func__);
+}
+
+// The inversion sits in this member, not in the one named Inverted.
+void AlphaBlendDensityToL12(unsigned short density, unsigned char *alpha, unsigned int alphaWidth,
+                            unsigned int alphaHeight, unsigned int alphaLeft, unsigned int alphaTop,
+                            unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
+                            unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                            unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
+  ostrel::compositing::DensityWords(density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop,
+                                    dst, dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth,
+                                    regionHeight, true, __func__);
+}
+
+void AlphaBlendDensityToL12Inverted(
+    unsigned short density, unsigned char *alpha, unsigned int alphaWidth, unsigned int alphaHeight,
+    unsigned int alphaLeft, unsigned int alphaTop, unsigned short *dst, unsigned int dstWidth,
+    unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+    unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
+  ostrel::compositing::DensityWords(density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop,
+                                    dst, dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth,
+                                    regionHeight, false, __func__);
+}
+
+void AlphaBlendDensityToL08Flat(unsigned char density, unsigned char *alpha,
+                                unsigned int alphaWidth, unsigned int alphaHeight,
+                                unsigned int alphaLeft, unsigned int alphaTop, unsigned char *dst,
+                                unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                                unsigned int dstTop, unsigned int regionWidth,
+                                unsigned int regionHeight) {
+  ostrel::compositing::ForEachPixelPair(
+      alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft,
+      dstTop, regionWidth, regionHeight, __func__, [&](unsigned char a, unsigned char &d) {
+        if (a != 0) d = density;
+      });
+}
+
+void AlphaBlendDensityToL08FlatInverted(unsigned char density, unsigned char *alpha,
+                                        unsigned int alphaWidth, unsigned int alphaHeight,
+                                        unsigned int alphaLeft, unsigned int alphaTop,
+                                        unsigned char *dst, unsigned int dstWidth,
+                                        unsigned int dstHeight, unsigned int dstLeft,
+                                        unsigned int dstTop, unsigned int regionWidth,
+                                        unsigned int regionHeight) {
+  ostrel::compositing::ForEachPixelPair(
+      alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft,
+      dstTop, regionWidth, regionHeight, __func__, [&](unsigned char a, unsigned char &d) {
+        if (a == 0) d = density;
+      });
+}
+
+void AlphaBlendDensityToL12Flat(unsigned short density, unsigned char *alpha,
+                                unsigned int alphaWidth, unsigned int alphaHeight,
+                                unsigned int alphaLeft, unsigned int alphaTop, unsigned short *dst,
+                                unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                                unsigned int dstTop, unsigned int regionWidth,
+                                unsigned int regionHeight) {
+  ostrel::compositing::ForEachPixelPair(
+      alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft,
+      dstTop, regionWidth, regionHeight, __func__, [&](unsigned char a, unsigned short &d) {
+        if (a != 0) d = density;
+      });
+}
+
+void AlphaBlendDensityWithAlphaBlueOfTrcToL08(
+    unsigned int *trc, unsigned int trcWidth, unsigned int trcHeight, unsigned int trcLeft,
+    unsigned int trcTop, unsigned char density, unsigned char *dst, unsigned char opacity,
+    unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+    unsigned int regionWidth, unsigned int regionHeight, bool flat, bool scaleDensity) {
+  ostrel::compositing::DensityByBlueOfPixels(
+      trc, trcWidth, trcHeight, trcLeft, trcTop, density, dst, opacity, dstWidth, dstHeight,
+      dstLeft, dstTop, regionWidth, regionHeight, flat, scaleDensity, __func__);
+}
+
+void AlphaBlendL08WithAlphaBufferToL08(
+    unsigned char *src, unsigned char *alpha, unsigned int srcWidth, unsigned int srcHeight,
+    unsigned int srcLeft, unsigned int srcTop, unsigned char *dst, unsigned int dstWidth,
+    unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+    unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
+  ostrel::compositing::BlendGreysThroughAlpha(
+      ostrel::frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
+      ostrel::frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
+      ostrel::frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth,
+      regionHeight, opacity, false, __func__);
 }

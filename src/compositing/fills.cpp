@@ -6,6 +6,7 @@
 #include "frame/region.h"
 
 namespace ostrel {
+namespace compositing {
 namespace {
 
 // Floor division by a positive divisor, also for negative x.
@@ -19,19 +20,12 @@ std::int32_t WrappingSum(std::int32_t a, std::uint32_t b) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + b);
 }
 
-}  // namespace
-}  // namespace ostrel
-
-using ostrel::ActiveFillKernels;
-using ostrel::Extent;
-using ostrel::FillKernels;
-using ostrel::MakePlane;
-
-void FillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned int height,
-                   unsigned int left, unsigned int top, unsigned int regionWidth,
-                   unsigned int regionHeight, unsigned int colour) {
-  const auto plane = MakePlane(buffer, width, height, left, top);
-  const Extent e = ostrel::ClipRowsOnly(plane, regionWidth, regionHeight);
+// FillTRCBuffer.
+void FillRows(unsigned int *buffer, unsigned int width, unsigned int height, unsigned int left,
+              unsigned int top, unsigned int regionWidth, unsigned int regionHeight,
+              unsigned int colour, const char *function) {
+  const auto plane = frame::MakePlane(buffer, width, height, left, top);
+  const frame::Extent e = frame::ClipRowsOnly(plane, regionWidth, regionHeight, function);
   if (e.Empty()) return;
   const FillKernels &k = ActiveFillKernels();
   if (e.columns == width) {
@@ -39,22 +33,23 @@ void FillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned int height
     k.fill(plane.Row(0), static_cast<std::size_t>(e.columns) * e.rows, colour);
     return;
   }
-  ostrel::ForEachRow(plane, e, [&](unsigned int *row, unsigned int n) { k.fill(row, n, colour); });
+  frame::ForEachRow(plane, e, [&](unsigned int *row, unsigned int n) { k.fill(row, n, colour); });
 }
 
-void ChessboardFillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned int height,
-                             unsigned int left, unsigned int top, unsigned int regionWidth,
-                             unsigned int regionHeight, int phaseX, int phaseY,
-                             unsigned int colour1, unsigned int colour2, unsigned int squareSize) {
-  OSTREL_EXPECT("ChessboardFillTRCBuffer", squareSize != 0);
-  const auto plane = MakePlane(buffer, width, height, left, top);
-  const Extent e = ostrel::ClipRowsOnly(plane, regionWidth, regionHeight);
+// ChessboardFillTRCBuffer.
+void FillChessboard(unsigned int *buffer, unsigned int width, unsigned int height,
+                    unsigned int left, unsigned int top, unsigned int regionWidth,
+                    unsigned int regionHeight, int phaseX, int phaseY, unsigned int colour1,
+                    unsigned int colour2, unsigned int squareSize, const char *function) {
+  OSTREL_EXPECT(function, squareSize != 0);
+  const auto plane = frame::MakePlane(buffer, width, height, left, top);
+  const frame::Extent e = frame::ClipRowsOnly(plane, regionWidth, regionHeight, function);
   if (e.Empty()) return;
   const FillKernels &k = ActiveFillKernels();
 
   const std::int64_t size = squareSize;
-  const std::int64_t x0 = ostrel::WrappingSum(phaseX, left);
-  const std::int64_t cellX0 = ostrel::FloorDiv(x0, size);
+  const std::int64_t x0 = WrappingSum(phaseX, left);
+  const std::int64_t cellX0 = FloorDiv(x0, size);
   const std::int64_t firstRun = size - (x0 - cellX0 * size);  // left in the first cell
   // Rows in the same row of cells are equal: build the first, copy the rest.
   // (Only when a row cannot run into the next, which the caller guarantees
@@ -64,7 +59,7 @@ void ChessboardFillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned 
   std::int64_t previousCellY = 0;
   for (unsigned int j = 0; j < e.rows; ++j) {
     unsigned int *row = plane.Row(j);
-    const std::int64_t cellY = ostrel::FloorDiv(ostrel::WrappingSum(phaseY, j), size);
+    const std::int64_t cellY = FloorDiv(WrappingSum(phaseY, j), size);
     if (j > 0 && copyRows && cellY == previousCellY) {
       std::memcpy(row, row - width, static_cast<std::size_t>(e.columns) * sizeof *row);
       continue;
@@ -86,23 +81,67 @@ void ChessboardFillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned 
   }
 }
 
-void Copy2DTRCBufferToTRC(unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
-                          unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
-                          unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                          unsigned int dstTop, unsigned int regionWidth,
-                          unsigned int regionHeight) {
-  const auto s = MakePlane(static_cast<const unsigned int *>(src), srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const Extent e = ostrel::ClipPair(s, d, regionWidth, regionHeight);
+// Copy2DTRCBufferToTRC.
+void CopyRegion(const unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
+                unsigned int srcLeft, unsigned int srcTop, unsigned int *dst, unsigned int dstWidth,
+                unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                unsigned int regionWidth, unsigned int regionHeight, const char *function) {
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
   if (e.Empty()) return;
   if (e.columns == srcWidth && e.columns == dstWidth) {
     // Whole rows of both buffers: one block.
     std::memmove(d.Row(0), s.Row(0), static_cast<std::size_t>(e.columns) * e.rows * sizeof *dst);
     return;
   }
-  ostrel::ForEachRowPair(s, d, e, [](const unsigned int *from, unsigned int *to, unsigned int n) {
+  frame::ForEachRowPair(s, d, e, [](const unsigned int *from, unsigned int *to, unsigned int n) {
     std::memmove(to, from, static_cast<std::size_t>(n) * sizeof *to);
   });
+}
+
+// CopyTRCToTRCIfNotKeyColor.
+void CopyRegionExceptKey(const unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
+                         unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
+                         unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                         unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
+                         unsigned int keyColor, const char *function) {
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
+  if (e.Empty()) return;
+  const FillKernels &k = ActiveFillKernels();
+  frame::ForEachRowPair(s, d, e, [&](const unsigned int *from, unsigned int *to, unsigned int n) {
+    k.copyIfNotKey(from, to, n, keyColor);
+  });
+}
+
+}  // namespace
+}  // namespace compositing
+}  // namespace ostrel
+
+void FillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned int height, unsigned int left,
+                   unsigned int top, unsigned int regionWidth, unsigned int regionHeight,
+                   unsigned int colour) {
+  ostrel::compositing::FillRows(buffer, width, height, left, top, regionWidth, regionHeight, colour,
+                                __func__);
+}
+
+void ChessboardFillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned int height,
+                             unsigned int left, unsigned int top, unsigned int regionWidth,
+                             unsigned int regionHeight, int phaseX, int phaseY,
+                             unsigned int colour1, unsigned int colour2, unsigned int squareSize) {
+  ostrel::compositing::FillChessboard(buffer, width, height, left, top, regionWidth, regionHeight,
+                                      phaseX, phaseY, colour1, colour2, squareSize, __func__);
+}
+
+void Copy2DTRCBufferToTRC(unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
+                          unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
+                          unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                          unsigned int dstTop, unsigned int regionWidth,
+                          unsigned int regionHeight) {
+  ostrel::compositing::CopyRegion(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                                  dstHeight, dstLeft, dstTop, regionWidth, regionHeight, __func__);
 }
 
 void CopyTRCToTRCIfNotKeyColor(unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
@@ -110,16 +149,11 @@ void CopyTRCToTRCIfNotKeyColor(unsigned int *src, unsigned int srcWidth, unsigne
                                unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                                unsigned int dstTop, unsigned int regionWidth,
                                unsigned int regionHeight, unsigned int keyColor) {
-  const auto s = MakePlane(static_cast<const unsigned int *>(src), srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const Extent e = ostrel::ClipPair(s, d, regionWidth, regionHeight);
-  if (e.Empty()) return;
-  const FillKernels &k = ActiveFillKernels();
-  ostrel::ForEachRowPair(s, d, e, [&](const unsigned int *from, unsigned int *to, unsigned int n) {
-    k.copyIfNotKey(from, to, n, keyColor);
-  });
+  ostrel::compositing::CopyRegionExceptKey(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                                           dstHeight, dstLeft, dstTop, regionWidth, regionHeight,
+                                           keyColor, __func__);
 }
 
 void ConvertBufferFrom32To24Bits(unsigned int *src, unsigned char *dst, unsigned int pixelCount) {
-  ActiveFillKernels().pack24(src, dst, pixelCount);
+  ostrel::compositing::ActiveFillKernels().pack24(src, dst, pixelCount);
 }

@@ -8,6 +8,7 @@
 #include "frame/dispatch.h"
 
 namespace ostrel {
+namespace compositing {
 
 struct FillKernels {
   // Stores colour into row[0 .. n).
@@ -21,6 +22,7 @@ struct FillKernels {
 
 OSTREL_KERNEL_FAMILY(FillKernels)
 
+}  // namespace compositing
 }  // namespace ostrel
 
 #endif  // OSTREL_COMPOSITING_FILLS_KERNELS_H

@@ -2,6 +2,7 @@
 #include "compositing/fills_kernels.h"
 
 namespace ostrel {
+namespace compositing {
 namespace {
 
 void Fill(std::uint32_t *row, std::size_t n, std::uint32_t colour) {
@@ -26,4 +27,5 @@ void Pack24(const std::uint32_t *src, std::uint8_t *dst, std::size_t n) {
 
 const FillKernels FillKernelsScalar = {Fill, CopyIfNotKey, Pack24};
 
+}  // namespace compositing
 }  // namespace ostrel

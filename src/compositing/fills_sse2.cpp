@@ -7,6 +7,7 @@
 #include "compositing/string_store_x86.h"
 
 namespace ostrel {
+namespace compositing {
 namespace {
 
 void Fill(std::uint32_t *row, std::size_t n, std::uint32_t colour) {
@@ -58,4 +59,5 @@ void Pack24(const std::uint32_t *src, std::uint8_t *dst, std::size_t n) {
 
 const FillKernels FillKernelsSse2 = {Fill, CopyIfNotKey, Pack24};
 
+}  // namespace compositing
 }  // namespace ostrel

@@ -6,33 +6,36 @@
 #include "frame/region.h"
 
 namespace ostrel {
+namespace compositing {
 
 // Every pixel of the region (clipped against source and destination) moves
 // toward its source byte by W = (alpha * opacity) / 255, exact form; with
 // twoLevel a result that is not 0 becomes 255. The alpha plane, never null,
-// takes no part in clipping. caller names the exported function for the
+// takes no part in clipping. function names the exported function for the
 // checked build's reports.
-void BlendGreysThroughAlpha(const Plane<unsigned char> &src, const Plane<unsigned char> &alpha,
-                            const Plane<unsigned char> &dst, unsigned int regionWidth,
+void BlendGreysThroughAlpha(const frame::Plane<unsigned char> &src,
+                            const frame::Plane<unsigned char> &alpha,
+                            const frame::Plane<unsigned char> &dst, unsigned int regionWidth,
                             unsigned int regionHeight, unsigned char opacity, bool twoLevel,
-                            const char *caller);
+                            const char *function);
 
 // Calls pixel(source value, destination pixel reference) for each pixel of
 // the clipped two-buffer region, rows top to bottom, pixels left to right.
 template <class Cov, class Dst, class PixelFn>
 inline void ForEachPixelPair(Cov *coverage, unsigned int covWidth, unsigned int covHeight,
-                      unsigned int covLeft, unsigned int covTop, Dst *dst, unsigned int dstWidth,
-                      unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-                      unsigned int regionWidth, unsigned int regionHeight, const char *caller,
-                      PixelFn &&pixel) {
-  const auto c = MakePlane(coverage, covWidth, covHeight, covLeft, covTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const Extent e = ClipPair(c, d, regionWidth, regionHeight, caller);
-  ForEachRowPair(c, d, e, [&](Cov *cov, Dst *out, std::uint32_t n) {
+                             unsigned int covLeft, unsigned int covTop, Dst *dst,
+                             unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                             unsigned int dstTop, unsigned int regionWidth,
+                             unsigned int regionHeight, const char *function, PixelFn &&pixel) {
+  const auto c = frame::MakePlane(coverage, covWidth, covHeight, covLeft, covTop);
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const frame::Extent e = frame::ClipPair(c, d, regionWidth, regionHeight, function);
+  frame::ForEachRowPair(c, d, e, [&](Cov *cov, Dst *out, std::uint32_t n) {
     for (std::uint32_t i = 0; i < n; ++i) pixel(cov[i], out[i]);
   });
 }
 
+}  // namespace compositing
 }  // namespace ostrel
 
 #endif  // OSTREL_COMPOSITING_GREY_BLEND_H

@@ -5,12 +5,14 @@
 #include "frame/blend.h"
 
 OSTREL_BEGIN_AVX2
-#include "compositing/simd_avx2.h"
 #include "compositing/grey_blend_simd.inl"
+#include "compositing/simd_avx2.h"
 
 namespace ostrel {
+namespace compositing {
 
 constexpr GreyBlendKernels GreyBlendKernelsAvx2 = MakeGreyBlendKernels<Avx2>();
 
+}  // namespace compositing
 }  // namespace ostrel
 OSTREL_END_AVX2

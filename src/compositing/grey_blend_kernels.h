@@ -13,6 +13,7 @@
 #include "frame/dispatch.h"
 
 namespace ostrel {
+namespace compositing {
 
 // One row: n destination bytes and, depending on the kernel, the source
 // bytes and the coverage bytes that pair with them.
@@ -34,20 +35,20 @@ struct GreyRow {
 
 // What stays the same for every row of a call.
 struct GreyBlend {
-  std::uint32_t density = 0;  // target grey of the density kernels
-  std::uint32_t opacity = 0;  // 0..255
+  std::uint32_t density = 0;            // target grey of the density kernels
+  std::uint32_t opacity = 0;            // 0..255
   const std::uint8_t *table = nullptr;  // 256 entries, for the lookup kernel
 };
 
 using GreyRowKernel = void (*)(const GreyRow &row, const GreyBlend &blend);
 
-// Kernels with both forms are indexed by blend::Form (0 exact, 1 fast). c is
+// Kernels with both forms are indexed by frame::blend::Form (0 exact, 1 fast). c is
 // a pixel's coverage, o the opacity.
 struct GreyBlendKernels {
-  GreyRowKernel densityByAlpha[2];    // toward density; c = alpha[i]
-  GreyRowKernel densityByInverse[2];  // toward density; c = 255 - alpha[i]
-  GreyRowKernel greysByAlpha;         // toward src[i]; c = alpha[i]; exact form
-  GreyRowKernel greysByAlphaTwoLevel; // as greysByAlpha, then a result not 0 becomes 255
+  GreyRowKernel densityByAlpha[2];     // toward density; c = alpha[i]
+  GreyRowKernel densityByInverse[2];   // toward density; c = 255 - alpha[i]
+  GreyRowKernel greysByAlpha;          // toward src[i]; c = alpha[i]; exact form
+  GreyRowKernel greysByAlphaTwoLevel;  // as greysByAlpha, then a result not 0 becomes 255
   // d scaled by the coverage: exact d * ((c * o) / 255) / 255, where c is
   // alpha[i]; fast (d * w) >> 8 with w = c at opacity 255, else (c * o) >> 8.
   GreyRowKernel applyAlpha[2];
@@ -60,6 +61,7 @@ OSTREL_KERNEL_FAMILY(GreyBlendKernels)
 // baseline instruction sets have no byte-wide table lookup to do better).
 void LookupRow(const GreyRow &row, const GreyBlend &blend);
 
+}  // namespace compositing
 }  // namespace ostrel
 
 #endif  // OSTREL_COMPOSITING_GREY_BLEND_KERNELS_H

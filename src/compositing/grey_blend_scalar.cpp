@@ -4,20 +4,22 @@
 #include "frame/blend.h"
 
 namespace ostrel {
+namespace compositing {
 namespace {
 
-using blend::Channel;
-using blend::ExactChannel;
-using blend::ExactWeight;
-using blend::Form;
-using blend::Weight;
+using frame::blend::Channel;
+using frame::blend::ExactChannel;
+using frame::blend::ExactWeight;
+using frame::blend::Form;
+using frame::blend::Weight;
 
 // The result is stored as its low byte (for bytes it already lies in 0..255).
 template <Form form>
 void DensityByAlpha(const GreyRow &r, const GreyBlend &b) {
   for (std::size_t i = 0; i < r.n; ++i) {
     const std::uint32_t w = Weight<form>(r.alpha[i], b.opacity);
-    r.dst[i] = static_cast<std::uint8_t>(Channel<form>(r.dst[i], static_cast<std::int32_t>(b.density), w));
+    r.dst[i] =
+        static_cast<std::uint8_t>(Channel<form>(r.dst[i], static_cast<std::int32_t>(b.density), w));
   }
 }
 
@@ -25,14 +27,16 @@ template <Form form>
 void DensityByInverse(const GreyRow &r, const GreyBlend &b) {
   for (std::size_t i = 0; i < r.n; ++i) {
     const std::uint32_t w = Weight<form>(255u - r.alpha[i], b.opacity);
-    r.dst[i] = static_cast<std::uint8_t>(Channel<form>(r.dst[i], static_cast<std::int32_t>(b.density), w));
+    r.dst[i] =
+        static_cast<std::uint8_t>(Channel<form>(r.dst[i], static_cast<std::int32_t>(b.density), w));
   }
 }
 
 template <bool twoLevel>
 void GreysByAlpha(const GreyRow &r, const GreyBlend &b) {
   for (std::size_t i = 0; i < r.n; ++i) {
-    const auto v = static_cast<std::uint8_t>(ExactChannel(r.dst[i], r.src[i], ExactWeight(r.alpha[i], b.opacity)));
+    const auto v = static_cast<std::uint8_t>(
+        ExactChannel(r.dst[i], r.src[i], ExactWeight(r.alpha[i], b.opacity)));
     r.dst[i] = twoLevel && v != 0 ? 255 : v;
   }
 }
@@ -73,4 +77,5 @@ void LookupRow(const GreyRow &r, const GreyBlend &b) {
 
 const GreyBlendKernels GreyBlendKernelsScalar = MakeScalar();
 
+}  // namespace compositing
 }  // namespace ostrel

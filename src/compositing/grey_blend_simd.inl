@@ -15,9 +15,10 @@
 #include "compositing/simd_lanes.h"
 
 namespace ostrel {
+namespace compositing {
 namespace {
 
-using blend::Form;
+using frame::blend::Form;
 
 template <class V>
 using Reg = typename V::Reg;
@@ -50,7 +51,8 @@ struct DensityByAlpha {
 template <class V, bool twoLevel>
 struct GreysByAlpha {
   static Reg<V> Lanes(Reg<V> d, Reg<V> s, Reg<V> a, const GreyBlend &b) {
-    const Reg<V> r = GreyBlendLanes<V, Form::kExact>(d, s, GreyWeight<V, Form::kExact>(a, b.opacity));
+    const Reg<V> r =
+        GreyBlendLanes<V, Form::kExact>(d, s, GreyWeight<V, Form::kExact>(a, b.opacity));
     return twoLevel ? V::AndNot(V::CmpEq16(r, V::Zero()), V::Set16(255)) : r;
   }
 };
@@ -58,7 +60,8 @@ struct GreysByAlpha {
 template <class V, Form form>
 struct ApplyAlpha {
   static Reg<V> Lanes(Reg<V> d, Reg<V>, Reg<V> a, const GreyBlend &b) {
-    if (form == Form::kExact) return Div255<V>(V::MulLo16(d, GreyWeight<V, Form::kExact>(a, b.opacity)));
+    if (form == Form::kExact)
+      return Div255<V>(V::MulLo16(d, GreyWeight<V, Form::kExact>(a, b.opacity)));
     const Reg<V> w = b.opacity == 255 ? a : GreyWeight<V, Form::kFast>(a, b.opacity);
     return V::template ShiftRight16<8>(V::MulLo16(d, w));
   }
@@ -72,8 +75,10 @@ void Step(const GreyRow &r, const GreyBlend &b, std::size_t i) {
   const Reg<V> d = V::LoadBytes(r.dst + i);
   const Reg<V> s = r.src != nullptr ? V::LoadBytes(r.src + i) : zero;
   const Reg<V> a = r.alpha != nullptr ? V::LoadBytes(r.alpha + i) : zero;
-  const Reg<V> lo = Kernel::Lanes(V::UnpackLo8(d, zero), V::UnpackLo8(s, zero), V::UnpackLo8(a, zero), b);
-  const Reg<V> hi = Kernel::Lanes(V::UnpackHi8(d, zero), V::UnpackHi8(s, zero), V::UnpackHi8(a, zero), b);
+  const Reg<V> lo =
+      Kernel::Lanes(V::UnpackLo8(d, zero), V::UnpackLo8(s, zero), V::UnpackLo8(a, zero), b);
+  const Reg<V> hi =
+      Kernel::Lanes(V::UnpackHi8(d, zero), V::UnpackHi8(s, zero), V::UnpackHi8(a, zero), b);
   V::StoreBytes(r.dst + i, V::PackUs16(lo, hi));
 }
 
@@ -99,8 +104,10 @@ void RunGreyRow(const GreyRow &row, const GreyBlend &blend) {
 template <class V>
 constexpr GreyBlendKernels MakeGreyBlendKernels() {
   return GreyBlendKernels{
-      {RunGreyRow<V, DensityByAlpha<V, Form::kExact, false>>, RunGreyRow<V, DensityByAlpha<V, Form::kFast, false>>},
-      {RunGreyRow<V, DensityByAlpha<V, Form::kExact, true>>, RunGreyRow<V, DensityByAlpha<V, Form::kFast, true>>},
+      {RunGreyRow<V, DensityByAlpha<V, Form::kExact, false>>,
+       RunGreyRow<V, DensityByAlpha<V, Form::kFast, false>>},
+      {RunGreyRow<V, DensityByAlpha<V, Form::kExact, true>>,
+       RunGreyRow<V, DensityByAlpha<V, Form::kFast, true>>},
       RunGreyRow<V, GreysByAlpha<V, false>>,
       RunGreyRow<V, GreysByAlpha<V, true>>,
       {RunGreyRow<V, ApplyAlpha<V, Form::kExact>>, RunGreyRow<V, ApplyAlpha<V, Form::kFast>>},
@@ -109,4 +116,5 @@ constexpr GreyBlendKernels MakeGreyBlendKernels() {
 }
 
 }  // namespace
+}  // namespace compositing
 }  // namespace ostrel

@@ -3,6 +3,7 @@
 #include "compositing/trc_blend.h"
 
 namespace ostrel {
+namespace compositing {
 namespace {
 
 // Runs kernel over a grey source and a TRC destination, the grey values as
@@ -14,10 +15,10 @@ void BlendThroughGrey(const unsigned char *src, unsigned int srcWidth, unsigned 
                       unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                       unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
                       TrcRowKernel kernel, const TrcBlend &blend, const unsigned char *lookup,
-                      const char *caller) {
-  const auto s = MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const Extent e = ClipPair(s, d, regionWidth, regionHeight, caller);
+                      const char *function) {
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
   if (e.rows == 0) return;
   if (lookup == nullptr) {
     BlendRows(e, kernel, blend, [&](std::uint32_t j) {
@@ -40,73 +41,19 @@ void BlendThroughGrey(const unsigned char *src, unsigned int srcWidth, unsigned 
   }
 }
 
-}  // namespace
-}  // namespace ostrel
-
-using ostrel::ActiveTrcBlendKernels;
-using ostrel::FormIndex;
-using ostrel::PaintBlend;
-
-void AlphaBlendL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
-                        unsigned int srcLeft, unsigned int srcTop, unsigned int colour,
-                        unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
-                        unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
-                        unsigned int regionWidth, unsigned int regionHeight, bool exact,
-                        unsigned char *lookup) {
-  ostrel::BlendThroughGrey(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                           dstLeft, dstTop, regionWidth, regionHeight,
-                           ActiveTrcBlendKernels().colourByBytes[FormIndex(exact)],
-                           PaintBlend(colour, opacity), lookup, __func__);
-}
-
-void AlphaBlendL08ToTRCInverted(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
-                                unsigned int srcLeft, unsigned int srcTop, unsigned int colour,
-                                unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
-                                unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
-                                unsigned int regionWidth, unsigned int regionHeight, bool exact) {
-  ostrel::BlendThroughGrey(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                           dstLeft, dstTop, regionWidth, regionHeight,
-                           ActiveTrcBlendKernels().colourByInverse[FormIndex(exact)],
-                           PaintBlend(colour, opacity), nullptr, __func__);
-}
-
-void AlphaBlendL08ToTRCAndEraseA(unsigned char *src, unsigned int srcWidth,
-                                 unsigned int srcHeight, unsigned int srcLeft,
-                                 unsigned int srcTop, unsigned int colour, unsigned int *dst,
+// AlphaBlendL08WithAlphaBufferToTRC: toward the grey of each source pixel,
+// through the alpha buffer that shares the source's geometry.
+void BlendGreyPixelsThroughAlpha(const unsigned char *src, const unsigned char *alpha,
+                                 unsigned int srcWidth, unsigned int srcHeight,
+                                 unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
                                  unsigned int dstWidth, unsigned int dstHeight,
                                  unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                                  unsigned int regionWidth, unsigned int regionHeight,
-                                 unsigned char *lookup) {
-  ostrel::BlendThroughGrey(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                           dstLeft, dstTop, regionWidth, regionHeight,
-                           ActiveTrcBlendKernels().colourErasingAlpha, PaintBlend(colour, opacity),
-                           lookup, __func__);
-}
-
-void ApplyQuickMaskToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
-                         unsigned int srcLeft, unsigned int srcTop, unsigned int colour,
-                         unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
-                         unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
-                         unsigned int regionWidth, unsigned int regionHeight) {
-  ostrel::BlendThroughGrey(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                           dstLeft, dstTop, regionWidth, regionHeight,
-                           ActiveTrcBlendKernels().quickMask, PaintBlend(colour, opacity), nullptr,
-                           __func__);
-}
-
-void AlphaBlendL08WithAlphaBufferToTRC(unsigned char *src, unsigned char *alpha,
-                                       unsigned int srcWidth, unsigned int srcHeight,
-                                       unsigned int srcLeft, unsigned int srcTop,
-                                       unsigned int *dst, unsigned int dstWidth,
-                                       unsigned int dstHeight, unsigned int dstLeft,
-                                       unsigned int dstTop, unsigned char opacity,
-                                       unsigned int regionWidth, unsigned int regionHeight,
-                                       bool /*exact: exact form only*/) {
-  using namespace ostrel;
-  const auto s = MakePlane(static_cast<const unsigned char *>(src), srcWidth, srcHeight, srcLeft, srcTop);
-  const auto a = MakePlane(static_cast<const unsigned char *>(alpha), srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const Extent e = ClipPair(s, d, regionWidth, regionHeight);
+                                 const char *function) {
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto a = frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
   if (e.rows == 0) return;
   BlendRows(e, ActiveTrcBlendKernels().greysByBytes, PaintBlend(0, opacity), [&](std::uint32_t j) {
     TrcRow row{d.Row(j), e.columns};
@@ -116,15 +63,16 @@ void AlphaBlendL08WithAlphaBufferToTRC(unsigned char *src, unsigned char *alpha,
   });
 }
 
-void AlphaBlendL12ToTRC(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
-                        unsigned int srcLeft, unsigned int srcTop, unsigned int colour,
-                        unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
-                        unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
-                        unsigned int regionWidth, unsigned int regionHeight, bool exact) {
-  using namespace ostrel;
-  const auto s = MakePlane(static_cast<const unsigned short *>(src), srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const Extent e = ClipPair(s, d, regionWidth, regionHeight);
+// AlphaBlendL12ToTRC: 12-bit grey words as the coverage.
+void BlendThroughWords(const unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
+                       unsigned int srcLeft, unsigned int srcTop, unsigned int colour,
+                       unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
+                       unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                       unsigned int regionWidth, unsigned int regionHeight, bool exact,
+                       const char *function) {
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
   if (e.rows == 0) return;
   BlendRows(e, ActiveTrcBlendKernels().colourByWords[FormIndex(exact)], PaintBlend(colour, opacity),
             [&](std::uint32_t j) {
@@ -132,4 +80,78 @@ void AlphaBlendL12ToTRC(unsigned short *src, unsigned int srcWidth, unsigned int
               row.words = s.Row(j);
               return row;
             });
+}
+
+}  // namespace
+}  // namespace compositing
+}  // namespace ostrel
+
+void AlphaBlendL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                        unsigned int srcLeft, unsigned int srcTop, unsigned int colour,
+                        unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
+                        unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                        unsigned int regionWidth, unsigned int regionHeight, bool exact,
+                        unsigned char *lookup) {
+  const int form = ostrel::compositing::FormIndex(exact);
+  ostrel::compositing::BlendThroughGrey(
+      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+      regionWidth, regionHeight, ostrel::compositing::ActiveTrcBlendKernels().colourByBytes[form],
+      ostrel::compositing::PaintBlend(colour, opacity), lookup, __func__);
+}
+
+void AlphaBlendL08ToTRCInverted(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                                unsigned int srcLeft, unsigned int srcTop, unsigned int colour,
+                                unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
+                                unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                                unsigned int regionWidth, unsigned int regionHeight, bool exact) {
+  const int form = ostrel::compositing::FormIndex(exact);
+  ostrel::compositing::BlendThroughGrey(
+      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+      regionWidth, regionHeight, ostrel::compositing::ActiveTrcBlendKernels().colourByInverse[form],
+      ostrel::compositing::PaintBlend(colour, opacity), nullptr, __func__);
+}
+
+void AlphaBlendL08ToTRCAndEraseA(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                                 unsigned int srcLeft, unsigned int srcTop, unsigned int colour,
+                                 unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
+                                 unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                                 unsigned int regionWidth, unsigned int regionHeight,
+                                 unsigned char *lookup) {
+  ostrel::compositing::BlendThroughGrey(
+      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+      regionWidth, regionHeight, ostrel::compositing::ActiveTrcBlendKernels().colourErasingAlpha,
+      ostrel::compositing::PaintBlend(colour, opacity), lookup, __func__);
+}
+
+void ApplyQuickMaskToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                         unsigned int srcLeft, unsigned int srcTop, unsigned int colour,
+                         unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
+                         unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                         unsigned int regionWidth, unsigned int regionHeight) {
+  ostrel::compositing::BlendThroughGrey(
+      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+      regionWidth, regionHeight, ostrel::compositing::ActiveTrcBlendKernels().quickMask,
+      ostrel::compositing::PaintBlend(colour, opacity), nullptr, __func__);
+}
+
+void AlphaBlendL08WithAlphaBufferToTRC(unsigned char *src, unsigned char *alpha,
+                                       unsigned int srcWidth, unsigned int srcHeight,
+                                       unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
+                                       unsigned int dstWidth, unsigned int dstHeight,
+                                       unsigned int dstLeft, unsigned int dstTop,
+                                       unsigned char opacity, unsigned int regionWidth,
+                                       unsigned int regionHeight, bool /*exact: exact form only*/) {
+  ostrel::compositing::BlendGreyPixelsThroughAlpha(src, alpha, srcWidth, srcHeight, srcLeft, srcTop,
+                                                   dst, dstWidth, dstHeight, dstLeft, dstTop,
+                                                   opacity, regionWidth, regionHeight, __func__);
+}
+
+void AlphaBlendL12ToTRC(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
+                        unsigned int srcLeft, unsigned int srcTop, unsigned int colour,
+                        unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
+                        unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                        unsigned int regionWidth, unsigned int regionHeight, bool exact) {
+  ostrel::compositing::BlendThroughWords(src, srcWidth, srcHeight, srcLeft, srcTop, colour, dst,
+                                         dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth,
+                                         regionHeight, exact, __func__);
 }

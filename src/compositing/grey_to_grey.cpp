@@ -6,26 +6,27 @@
 #include "frame/region.h"
 
 namespace ostrel {
+namespace compositing {
 namespace {
 
-using blend::ExactChannel;
-using blend::ExactWeight;
+using frame::blend::ExactChannel;
+using frame::blend::ExactWeight;
 
 // How the pixels of one call are blended.
 struct GreyMode {
   std::uint32_t opacity;
-  bool blendZero;     // blend source values of 0 too
-  bool flatAlpha;     // coverage 255 where the alpha byte is not 0
+  bool blendZero;      // blend source values of 0 too
+  bool flatAlpha;      // coverage 255 where the alpha byte is not 0
   std::uint32_t full;  // twoLevel: a nonzero result becomes this; 0: no forcing
 };
 
 // Calls row(src, alpha or null, dst, columns) for each row of the region,
 // clipped against source and destination only.
 template <class P, class RowFn>
-void GreyRows(const Plane<P> &s, const Plane<unsigned char> &a, const Plane<P> &d,
-              unsigned int regionWidth, unsigned int regionHeight, const char *caller,
-              RowFn &&row) {
-  const Extent e = ClipPair(s, d, regionWidth, regionHeight, caller);
+void GreyRows(const frame::Plane<P> &s, const frame::Plane<unsigned char> &a,
+              const frame::Plane<P> &d, unsigned int regionWidth, unsigned int regionHeight,
+              const char *function, RowFn &&row) {
+  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
   for (std::uint32_t j = 0; j < e.rows; ++j) {
     row(s.Row(j), a.pixels != nullptr ? a.Row(j) : nullptr, d.Row(j), e.columns);
   }
@@ -66,11 +67,13 @@ void BlendShared(P *src, unsigned char *alpha, unsigned int srcWidth, unsigned i
                  unsigned int srcLeft, unsigned int srcTop, P *dst, unsigned int dstWidth,
                  unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                  unsigned int regionWidth, unsigned int regionHeight, const GreyMode &m,
-                 const char *caller) {
-  GreyRows(MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
-           MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
-           MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight, caller,
-           [&](const P *s, const unsigned char *a, P *d, std::uint32_t n) { BlendRow(s, a, d, n, m); });
+                 const char *function) {
+  GreyRows(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
+           frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
+           frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight,
+           function, [&](const P *s, const unsigned char *a, P *d, std::uint32_t n) {
+             BlendRow(s, a, d, n, m);
+           });
 }
 
 template <class P>
@@ -79,11 +82,13 @@ void BlendOwn(P *src, unsigned int srcWidth, unsigned int srcHeight, unsigned in
               unsigned int alphaHeight, unsigned int alphaLeft, unsigned int alphaTop, P *dst,
               unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
               unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
-              const GreyMode &m, const char *caller) {
-  GreyRows(MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
-           MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop),
-           MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight, caller,
-           [&](const P *s, const unsigned char *a, P *d, std::uint32_t n) { BlendRow(s, a, d, n, m); });
+              const GreyMode &m, const char *function) {
+  GreyRows(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
+           frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop),
+           frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight,
+           function, [&](const P *s, const unsigned char *a, P *d, std::uint32_t n) {
+             BlendRow(s, a, d, n, m);
+           });
 }
 
 void BlendL12Shared(unsigned short *src, unsigned char *alpha, unsigned int srcWidth,
@@ -91,26 +96,69 @@ void BlendL12Shared(unsigned short *src, unsigned char *alpha, unsigned int srcW
                     unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
                     unsigned int dstLeft, unsigned int dstTop, unsigned int regionWidth,
                     unsigned int regionHeight, const GreyMode &m, bool twoLevel,
-                    const char *caller) {
-  GreyRows(MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
-           MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
-           MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight, caller,
+                    const char *function) {
+  GreyRows(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
+           frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
+           frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight,
+           function,
            [&](const std::uint16_t *s, const unsigned char *a, std::uint16_t *d, std::uint32_t n) {
              BlendL12SharedRow(s, a, d, n, m, twoLevel);
            });
 }
 
+// AlphaBlendL08ToL08, the alpha buffer sharing the source's geometry.
+void BlendL08Shared(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
+                    unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
+                    unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
+                    unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                    unsigned char blendZero, bool twoLevel, unsigned int regionWidth,
+                    unsigned int regionHeight, const char *function) {
+  if (alpha != nullptr && blendZero != 0) {
+    // Every pixel blended through the alpha buffer: the row kernels.
+    BlendGreysThroughAlpha(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
+                           frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
+                           frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth,
+                           regionHeight, opacity, twoLevel, function);
+    return;
+  }
+  const GreyMode m{opacity, blendZero != 0, false, twoLevel ? 255u : 0u};
+  BlendShared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft,
+              dstTop, regionWidth, regionHeight, m, function);
+}
+
+// AlphaBlendL08ToL08, the alpha buffer with its own geometry.
+void BlendL08Own(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                 unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
+                 unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
+                 unsigned int alphaTop, unsigned char *dst, unsigned int dstWidth,
+                 unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                 unsigned char opacity, unsigned char blendZero, bool twoLevel,
+                 unsigned int regionWidth, unsigned int regionHeight, const char *function) {
+  if (alpha != nullptr && blendZero != 0) {
+    BlendGreysThroughAlpha(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
+                           frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop),
+                           frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth,
+                           regionHeight, opacity, twoLevel, function);
+    return;
+  }
+  const GreyMode m{opacity, blendZero != 0, false, twoLevel && alpha != nullptr ? 255u : 0u};
+  BlendOwn(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight, alphaLeft,
+           alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth, regionHeight, m,
+           function);
+}
+
 }  // namespace
 
-void BlendGreysThroughAlpha(const Plane<unsigned char> &src, const Plane<unsigned char> &alpha,
-                            const Plane<unsigned char> &dst, unsigned int regionWidth,
+void BlendGreysThroughAlpha(const frame::Plane<unsigned char> &src,
+                            const frame::Plane<unsigned char> &alpha,
+                            const frame::Plane<unsigned char> &dst, unsigned int regionWidth,
                             unsigned int regionHeight, unsigned char opacity, bool twoLevel,
-                            const char *caller) {
+                            const char *function) {
   GreyBlend blend;
   blend.opacity = opacity;
   const GreyBlendKernels &kernels = ActiveGreyBlendKernels();
   const GreyRowKernel kernel = twoLevel ? kernels.greysByAlphaTwoLevel : kernels.greysByAlpha;
-  GreyRows(src, alpha, dst, regionWidth, regionHeight, caller,
+  GreyRows(src, alpha, dst, regionWidth, regionHeight, function,
            [&](const unsigned char *s, const unsigned char *a, unsigned char *d, std::uint32_t n) {
              GreyRow row{d, n};
              row.src = s;
@@ -119,9 +167,8 @@ void BlendGreysThroughAlpha(const Plane<unsigned char> &src, const Plane<unsigne
            });
 }
 
+}  // namespace compositing
 }  // namespace ostrel
-
-using ostrel::GreyMode;
 
 void AlphaBlendL08ToL08(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
                         unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
@@ -129,18 +176,9 @@ void AlphaBlendL08ToL08(unsigned char *src, unsigned char *alpha, unsigned int s
                         unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                         unsigned char blendZero, bool twoLevel, unsigned int regionWidth,
                         unsigned int regionHeight, bool /*exact*/) {
-  using namespace ostrel;
-  if (alpha != nullptr && blendZero != 0) {
-    // Every pixel blended through the alpha buffer: the row kernels.
-    BlendGreysThroughAlpha(MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
-                           MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
-                           MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth,
-                           regionHeight, opacity, twoLevel, __func__);
-    return;
-  }
-  const GreyMode m{opacity, blendZero != 0, false, twoLevel ? 255u : 0u};
-  BlendShared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-              dstLeft, dstTop, regionWidth, regionHeight, m, __func__);
+  ostrel::compositing::BlendL08Shared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst,
+                                      dstWidth, dstHeight, dstLeft, dstTop, opacity, blendZero,
+                                      twoLevel, regionWidth, regionHeight, __func__);
 }
 
 void AlphaBlendL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
@@ -150,31 +188,23 @@ void AlphaBlendL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int 
                         unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                         unsigned char opacity, unsigned char blendZero, bool twoLevel,
                         unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
-  using ostrel::MakePlane;
-  if (alpha != nullptr && blendZero != 0) {
-    ostrel::BlendGreysThroughAlpha(MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
-                                   MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop),
-                                   MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop),
-                                   regionWidth, regionHeight, opacity, twoLevel, __func__);
-    return;
-  }
-  const GreyMode m{opacity, blendZero != 0, false, twoLevel && alpha != nullptr ? 255u : 0u};
-  ostrel::BlendOwn(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
-                   alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
-                   regionHeight, m, __func__);
+  ostrel::compositing::BlendL08Own(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth,
+                                   alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight,
+                                   dstLeft, dstTop, opacity, blendZero, twoLevel, regionWidth,
+                                   regionHeight, __func__);
 }
 
 void AlphaBlendL08ToL08FlatAlpha(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
-                                 unsigned int srcHeight, unsigned int srcLeft,
-                                 unsigned int srcTop, unsigned char *dst, unsigned int dstWidth,
-                                 unsigned int dstHeight, unsigned int dstLeft,
-                                 unsigned int dstTop, unsigned char opacity,
-                                 unsigned char blendZero, bool twoLevel,
-                                 unsigned int regionWidth, unsigned int regionHeight,
-                                 bool /*exact*/) {
-  const GreyMode m{opacity, blendZero != 0, true, twoLevel && alpha != nullptr ? 255u : 0u};
-  ostrel::BlendShared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                      dstLeft, dstTop, regionWidth, regionHeight, m, __func__);
+                                 unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
+                                 unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
+                                 unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                                 unsigned char blendZero, bool twoLevel, unsigned int regionWidth,
+                                 unsigned int regionHeight, bool /*exact*/) {
+  const ostrel::compositing::GreyMode m{opacity, blendZero != 0, true,
+                                        twoLevel && alpha != nullptr ? 255u : 0u};
+  ostrel::compositing::BlendShared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                                   dstHeight, dstLeft, dstTop, regionWidth, regionHeight, m,
+                                   __func__);
 }
 
 void AlphaBlendL12ToL12(unsigned short *src, unsigned char *alpha, unsigned int srcWidth,
@@ -183,10 +213,10 @@ void AlphaBlendL12ToL12(unsigned short *src, unsigned char *alpha, unsigned int 
                         unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                         unsigned char blendZero, bool twoLevel, unsigned int regionWidth,
                         unsigned int regionHeight, bool /*exact*/) {
-  const GreyMode m{opacity, blendZero != 0, false, 0};
-  ostrel::BlendL12Shared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                         dstHeight, dstLeft, dstTop, regionWidth, regionHeight, m, twoLevel,
-                         __func__);
+  const ostrel::compositing::GreyMode m{opacity, blendZero != 0, false, 0};
+  ostrel::compositing::BlendL12Shared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst,
+                                      dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
+                                      regionHeight, m, twoLevel, __func__);
 }
 
 void AlphaBlendL12ToL12(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
@@ -196,21 +226,21 @@ void AlphaBlendL12ToL12(unsigned short *src, unsigned int srcWidth, unsigned int
                         unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                         unsigned char opacity, unsigned char blendZero, bool twoLevel,
                         unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
-  const GreyMode m{opacity, blendZero != 0, false, twoLevel && alpha != nullptr ? 4095u : 0u};
-  ostrel::BlendOwn(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
-                   alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
-                   regionHeight, m, __func__);
+  const ostrel::compositing::GreyMode m{opacity, blendZero != 0, false,
+                                        twoLevel && alpha != nullptr ? 4095u : 0u};
+  ostrel::compositing::BlendOwn(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth,
+                                alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft,
+                                dstTop, regionWidth, regionHeight, m, __func__);
 }
 
-void AlphaBlendL12ToL12FlatAlpha(unsigned short *src, unsigned char *alpha,
-                                 unsigned int srcWidth, unsigned int srcHeight,
-                                 unsigned int srcLeft, unsigned int srcTop, unsigned short *dst,
-                                 unsigned int dstWidth, unsigned int dstHeight,
+void AlphaBlendL12ToL12FlatAlpha(unsigned short *src, unsigned char *alpha, unsigned int srcWidth,
+                                 unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
+                                 unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
                                  unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                                  unsigned char blendZero, bool twoLevel, unsigned int regionWidth,
                                  unsigned int regionHeight, bool /*exact*/) {
-  const GreyMode m{opacity, blendZero != 0, true, 0};
-  ostrel::BlendL12Shared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                         dstHeight, dstLeft, dstTop, regionWidth, regionHeight, m, twoLevel,
-                         __func__);
+  const ostrel::compositing::GreyMode m{opacity, blendZero != 0, true, 0};
+  ostrel::compositing::BlendL12Shared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst,
+                                      dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
+                                      regionHeight, m, twoLevel, __func__);
 }

@@ -6,6 +6,7 @@
 #include "frame/region.h"
 
 namespace ostrel {
+namespace compositing {
 namespace {
 
 // Sets each pixel of the clipped two-buffer region to convert(source value).
@@ -13,144 +14,65 @@ template <class S, class D, class Convert>
 void ConvertRegion(S *src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcLeft,
                    unsigned int srcTop, D *dst, unsigned int dstWidth, unsigned int dstHeight,
                    unsigned int dstLeft, unsigned int dstTop, unsigned int regionWidth,
-                   unsigned int regionHeight, const char *caller, Convert &&convert) {
+                   unsigned int regionHeight, const char *function, Convert &&convert) {
   ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft,
-                   dstTop, regionWidth, regionHeight, caller, [&](S v, D &out) { out = convert(v); });
+                   dstTop, regionWidth, regionHeight, function,
+                   [&](S v, D &out) { out = convert(v); });
 }
 
 template <class P>
 void ToTwoLevelInPlace(P *buffer, unsigned int width, unsigned int height, unsigned int left,
                        unsigned int top, unsigned int regionWidth, unsigned int regionHeight,
-                       const char *caller) {
-  const auto b = MakePlane(buffer, width, height, left, top);
-  ForEachRow(b, ClipSingle(b, regionWidth, regionHeight, caller), [](P *row, std::uint32_t n) {
+                       const char *function) {
+  const auto b = frame::MakePlane(buffer, width, height, left, top);
+  const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, function);
+  frame::ForEachRow(b, e, [](P *row, std::uint32_t n) {
     for (std::uint32_t i = 0; i < n; ++i) row[i] = row[i] != 0 ? 255 : 0;
   });
 }
 
-}  // namespace
-}  // namespace ostrel
-
-void ConvertL08To2LevelL08(unsigned char *buffer, unsigned int width, unsigned int height,
-                           unsigned int left, unsigned int top, unsigned int regionWidth,
-                           unsigned int regionHeight) {
-  ostrel::ToTwoLevelInPlace(buffer, width, height, left, top, regionWidth, regionHeight, __func__);
-}
-
-void ConvertL08To2LevelL08(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
-                           unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
-                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                           unsigned int dstTop, unsigned int regionWidth,
-                           unsigned int regionHeight) {
-  ostrel::ConvertRegion(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                        dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                        [](unsigned char v) { return static_cast<unsigned char>(v != 0 ? 255 : 0); });
-}
-
-// In place the full scale is 255, as in the 8-bit form.
-void ConvertL12To2LevelL12(unsigned short *buffer, unsigned int width, unsigned int height,
-                           unsigned int left, unsigned int top, unsigned int regionWidth,
-                           unsigned int regionHeight) {
-  ostrel::ToTwoLevelInPlace(buffer, width, height, left, top, regionWidth, regionHeight, __func__);
-}
-
-void ConvertL12To2LevelL12(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
-                           unsigned int srcLeft, unsigned int srcTop, unsigned short *dst,
-                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                           unsigned int dstTop, unsigned int regionWidth,
-                           unsigned int regionHeight) {
-  ostrel::ConvertRegion(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                        dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                        [](unsigned short v) { return static_cast<unsigned short>(v != 0 ? 4095 : 0); });
-}
-
-void ConvertL12To2LevelL08(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
-                           unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
-                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                           unsigned int dstTop, unsigned int regionWidth,
-                           unsigned int regionHeight) {
-  ostrel::ConvertRegion(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                        dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                        [](unsigned short v) { return static_cast<unsigned char>(v != 0 ? 255 : 0); });
-}
-
-void ConvertL012ToL08(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
-                      unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
-                      unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                      unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight) {
-  ostrel::ConvertRegion(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                        dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                        [](unsigned short v) { return static_cast<unsigned char>(v >> 4); });
-}
-
-void MarkL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
-                  unsigned int srcLeft, unsigned int srcTop, bool *selected, unsigned int colour,
-                  unsigned char opacity, unsigned int *dst, unsigned int dstWidth,
-                  unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-                  unsigned int regionWidth, unsigned int regionHeight) {
-  ostrel::ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                           dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                           [&](unsigned char v, unsigned int &out) {
-                             if (selected[v]) out = ostrel::blend::ExactPixel(out, colour, opacity);
-                           });
-}
-
-void MarkBG(unsigned char **masks, int *maskIndices, int maskCount, unsigned int maskWidth,
-            unsigned int maskHeight, unsigned int maskLeft, unsigned int maskTop,
-            unsigned int colour, unsigned char opacity, unsigned int *dst, unsigned int dstWidth,
-            unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-            unsigned int regionWidth, unsigned int regionHeight) {
-  using namespace ostrel;
+// MarkBG: marks the pixels that no mask covers.
+void MarkUncovered(unsigned char **masks, int *maskIndices, int maskCount, unsigned int maskWidth,
+                   unsigned int maskHeight, unsigned int maskLeft, unsigned int maskTop,
+                   unsigned int colour, unsigned char opacity, unsigned int *dst,
+                   unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                   unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
+                   const char *function) {
   // The masks' geometry, as offsets into any one of them.
-  const auto m = MakePlane<unsigned char>(nullptr, maskWidth, maskHeight, maskLeft, maskTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const Extent e = ClipPair(m, d, regionWidth, regionHeight);
+  const auto m = frame::MakePlane<unsigned char>(nullptr, maskWidth, maskHeight, maskLeft, maskTop);
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const frame::Extent e = frame::ClipPair(m, d, regionWidth, regionHeight, function);
   for (std::uint32_t j = 0; j < e.rows; ++j) {
     const std::size_t rowStart = (static_cast<std::size_t>(maskTop) + j) * maskWidth + maskLeft;
     unsigned int *out = d.Row(j);
     for (std::uint32_t i = 0; i < e.columns; ++i) {
       bool covered = false;
-      for (int k = 0; k < maskCount && !covered; ++k) covered = masks[maskIndices[k]][rowStart + i] != 0;
-      if (!covered) out[i] = blend::ExactPixel(out[i], colour, opacity);
+      for (int k = 0; k < maskCount && !covered; ++k) {
+        covered = masks[maskIndices[k]][rowStart + i] != 0;
+      }
+      if (!covered) out[i] = frame::blend::ExactPixel(out[i], colour, opacity);
     }
   }
 }
 
-void MarkL08LimitsToTRCHighBit(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
-                               unsigned int srcLeft, unsigned int srcTop, unsigned char low,
-                               unsigned char high, unsigned int *dst, unsigned int dstWidth,
-                               unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-                               unsigned int regionWidth, unsigned int regionHeight) {
-  ostrel::ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                           dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                           [&](unsigned char v, unsigned int &out) {
-                             if (v == 0) return;
-                             // The alpha byte is replaced: 0x80 below the limits, 0x40 above.
-                             if (v < low) {
-                               out = (out & 0x00FFFFFFu) | 0x80000000u;
-                             } else if (v > high) {
-                               out = (out & 0x00FFFFFFu) | 0x40000000u;
-                             }
-                           });
-}
-
-void DrawContourOfL08toTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
-                           unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
-                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                           unsigned int dstTop, unsigned int regionWidth,
-                           unsigned int regionHeight, unsigned int colour) {
-  using ostrel::MinU32;
-  OSTREL_EXPECT(__func__, srcLeft <= srcWidth && srcTop <= srcHeight);
-  OSTREL_EXPECT(__func__, dstLeft <= dstWidth && dstTop <= dstHeight);
+// DrawContourOfL08toTRC.
+void DrawContour(const unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                 unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
+                 unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                 unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
+                 unsigned int colour, const char *function) {
+  using frame::MinU32;
+  OSTREL_EXPECT(function, srcLeft <= srcWidth && srcTop <= srcHeight);
+  OSTREL_EXPECT(function, dstLeft <= dstWidth && dstTop <= dstHeight);
   // The source region carries a one-pixel border round the drawn area, so
   // the destination may be two pixels narrower and lower than it.
   const std::uint32_t srcRight = MinU32(srcWidth, srcLeft + regionWidth);
   const std::uint32_t columns = MinU32(dstWidth + 2, srcRight - srcLeft + dstLeft) - dstLeft;
   const std::uint32_t srcBottom = MinU32(srcHeight, srcTop + regionHeight);
   const std::uint32_t rows = MinU32(dstHeight + 2, srcBottom - srcTop + dstTop) - dstTop;
-  OSTREL_EXPECT(__func__, rows >= 2);
+  OSTREL_EXPECT(function, rows >= 2);
   if (rows - 2 == 0) return;
-  OSTREL_EXPECT(__func__, columns >= 2);
+  OSTREL_EXPECT(function, columns >= 2);
   const std::uint32_t inner = columns - 2;
   for (std::uint32_t j = 0; j < rows - 2; ++j) {
     // The source row of the drawn row j starts at its left border pixel.
@@ -180,4 +102,117 @@ void DrawContourOfL08toTRC(unsigned char *src, unsigned int srcWidth, unsigned i
       }
     }
   }
+}
+
+}  // namespace
+}  // namespace compositing
+}  // namespace ostrel
+
+void ConvertL08To2LevelL08(unsigned char *buffer, unsigned int width, unsigned int height,
+                           unsigned int left, unsigned int top, unsigned int regionWidth,
+                           unsigned int regionHeight) {
+  ostrel::compositing::ToTwoLevelInPlace(buffer, width, height, left, top, regionWidth,
+                                         regionHeight, __func__);
+}
+
+void ConvertL08To2LevelL08(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                           unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
+                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                           unsigned int dstTop, unsigned int regionWidth,
+                           unsigned int regionHeight) {
+  ostrel::compositing::ConvertRegion(
+      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+      regionWidth, regionHeight, __func__,
+      [](unsigned char v) { return static_cast<unsigned char>(v != 0 ? 255 : 0); });
+}
+
+// In place the full scale is 255, as in the 8-bit form.
+void ConvertL12To2LevelL12(unsigned short *buffer, unsigned int width, unsigned int height,
+                           unsigned int left, unsigned int top, unsigned int regionWidth,
+                           unsigned int regionHeight) {
+  ostrel::compositing::ToTwoLevelInPlace(buffer, width, height, left, top, regionWidth,
+                                         regionHeight, __func__);
+}
+
+void ConvertL12To2LevelL12(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
+                           unsigned int srcLeft, unsigned int srcTop, unsigned short *dst,
+                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                           unsigned int dstTop, unsigned int regionWidth,
+                           unsigned int regionHeight) {
+  ostrel::compositing::ConvertRegion(
+      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+      regionWidth, regionHeight, __func__,
+      [](unsigned short v) { return static_cast<unsigned short>(v != 0 ? 4095 : 0); });
+}
+
+void ConvertL12To2LevelL08(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
+                           unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
+                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                           unsigned int dstTop, unsigned int regionWidth,
+                           unsigned int regionHeight) {
+  ostrel::compositing::ConvertRegion(
+      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+      regionWidth, regionHeight, __func__,
+      [](unsigned short v) { return static_cast<unsigned char>(v != 0 ? 255 : 0); });
+}
+
+void ConvertL012ToL08(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
+                      unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
+                      unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                      unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight) {
+  ostrel::compositing::ConvertRegion(
+      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+      regionWidth, regionHeight, __func__,
+      [](unsigned short v) { return static_cast<unsigned char>(v >> 4); });
+}
+
+void MarkL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                  unsigned int srcLeft, unsigned int srcTop, bool *selected, unsigned int colour,
+                  unsigned char opacity, unsigned int *dst, unsigned int dstWidth,
+                  unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                  unsigned int regionWidth, unsigned int regionHeight) {
+  ostrel::compositing::ForEachPixelPair(
+      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+      regionWidth, regionHeight, __func__, [&](unsigned char v, unsigned int &out) {
+        if (selected[v]) out = ostrel::frame::blend::ExactPixel(out, colour, opacity);
+      });
+}
+
+void MarkBG(unsigned char **masks, int *maskIndices, int maskCount, unsigned int maskWidth,
+            unsigned int maskHeight, unsigned int maskLeft, unsigned int maskTop,
+            unsigned int colour, unsigned char opacity, unsigned int *dst, unsigned int dstWidth,
+            unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+            unsigned int regionWidth, unsigned int regionHeight) {
+  ostrel::compositing::MarkUncovered(masks, maskIndices, maskCount, maskWidth, maskHeight, maskLeft,
+                                     maskTop, colour, opacity, dst, dstWidth, dstHeight, dstLeft,
+                                     dstTop, regionWidth, regionHeight, __func__);
+}
+
+void MarkL08LimitsToTRCHighBit(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                               unsigned int srcLeft, unsigned int srcTop, unsigned char low,
+                               unsigned char high, unsigned int *dst, unsigned int dstWidth,
+                               unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                               unsigned int regionWidth, unsigned int regionHeight) {
+  ostrel::compositing::ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                                        dstHeight, dstLeft, dstTop, regionWidth, regionHeight,
+                                        __func__, [&](unsigned char v, unsigned int &out) {
+                                          if (v == 0) return;
+                                          // The alpha byte is replaced: 0x80 below the limits, 0x40
+                                          // above.
+                                          if (v < low) {
+                                            out = (out & 0x00FFFFFFu) | 0x80000000u;
+                                          } else if (v > high) {
+                                            out = (out & 0x00FFFFFFu) | 0x40000000u;
+                                          }
+                                        });
+}
+
+void DrawContourOfL08toTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                           unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
+                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                           unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
+                           unsigned int colour) {
+  ostrel::compositing::DrawContour(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                                   dstHeight, dstLeft, dstTop, regionWidth, regionHeight, colour,
+                                   __func__);
 }

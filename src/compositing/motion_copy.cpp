@@ -11,10 +11,12 @@
 #include "frame/region.h"
 
 namespace ostrel {
+namespace compositing {
 namespace {
 
-using blend::ExactChannel;
-using blend::ExactWeight;
+using frame::blend::ExactChannel;
+using frame::blend::ExactPixel;
+using frame::blend::ExactWeight;
 
 // True when the n elements from a and the m bytes from b share memory.
 template <class A, class B>
@@ -35,19 +37,19 @@ void MotionCopy(P *src, unsigned int srcWidth, unsigned int srcHeight, unsigned 
                 unsigned int alphaHeight, unsigned int alphaLeft, unsigned int alphaTop, P *dst,
                 unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                 unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
-                _EMotionCopyMode mode, const char *caller, PixelFn &&pixel,
+                _EMotionCopyMode mode, const char *function, PixelFn &&pixel,
                 RowFn &&rowKernel = nullptr) {
   // Unlike the other blends, a corner outside its buffer ends the call.
   if (dstLeft >= dstWidth || dstTop >= dstHeight || srcLeft >= srcWidth || srcTop >= srcHeight) {
     return;
   }
-  const auto s = MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto a = MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop);
-  const auto d = MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const Extent e = ClipPair(s, d, regionWidth, regionHeight, caller);
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto a = frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop);
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
   const auto order = static_cast<std::uint32_t>(mode);
   if (order > 3 || e.rows == 0) return;
-  OSTREL_EXPECT(caller, alpha != nullptr);
+  OSTREL_EXPECT(function, alpha != nullptr);
   const bool upward = (order & 1u) != 0, leftward = (order & 2u) != 0;
   for (std::uint32_t k = 0; k < e.rows; ++k) {
     const std::uint32_t j = upward ? e.rows - 1 - k : k;
@@ -80,24 +82,21 @@ struct GreyPixel {
   }
 };
 
-}  // namespace
-}  // namespace ostrel
-
-void MotionCopyL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
-                        unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
-                        unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
-                        unsigned int alphaTop, unsigned char *dst, unsigned int dstWidth,
-                        unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-                        unsigned char opacity, bool twoLevel, unsigned int regionWidth,
-                        unsigned int regionHeight, _EMotionCopyMode mode, bool /*exact*/) {
-  using namespace ostrel;
+// MotionCopyL08ToL08: rows that do not alias run the grey row kernels.
+void MotionCopyGreyBytes(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                         unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
+                         unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
+                         unsigned int alphaTop, unsigned char *dst, unsigned int dstWidth,
+                         unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                         unsigned char opacity, bool twoLevel, unsigned int regionWidth,
+                         unsigned int regionHeight, _EMotionCopyMode mode, const char *function) {
   const GreyBlendKernels &kernels = ActiveGreyBlendKernels();
   const GreyRowKernel kernel = twoLevel ? kernels.greysByAlphaTwoLevel : kernels.greysByAlpha;
   GreyBlend blend;
   blend.opacity = opacity;
   MotionCopy(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight, alphaLeft,
              alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth, regionHeight, mode,
-             __func__, GreyPixel<unsigned char>{opacity, twoLevel ? 255u : 0u},
+             function, GreyPixel<unsigned char>{opacity, twoLevel ? 255u : 0u},
              [&](unsigned char *out, const unsigned char *in, const unsigned char *cover,
                  std::uint32_t n) {
                GreyRow row{out, n};
@@ -107,6 +106,48 @@ void MotionCopyL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int 
              });
 }
 
+// MotionCopyTRCWithAlphaBufferToTRC: rows that do not alias run the colour
+// blend's kernel for source pixels weighted by alpha bytes, exact form.
+void MotionCopyColours(unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
+                       unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
+                       unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
+                       unsigned int alphaTop, unsigned int *dst, unsigned int dstWidth,
+                       unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                       unsigned char opacity, unsigned int regionWidth, unsigned int regionHeight,
+                       _EMotionCopyMode mode, const char *function) {
+  MotionCopy(
+      src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight, alphaLeft,
+      alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth, regionHeight, mode,
+      function,
+      [opacity](unsigned int d, unsigned int s, unsigned char a) {
+        return ExactPixel(d, s, ExactWeight(a, opacity));
+      },
+      [kernel = ActiveTrcBlendKernels().pixelsByBytes[FormIndex(true)], opacity](
+          unsigned int *out, const unsigned int *in, const unsigned char *cover, std::uint32_t n) {
+        TrcRow row{out, n};
+        row.pixels = in;
+        row.bytes = cover;
+        kernel(row, PaintBlend(0, opacity));
+      });
+}
+
+}  // namespace
+}  // namespace compositing
+}  // namespace ostrel
+
+void MotionCopyL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                        unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
+                        unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
+                        unsigned int alphaTop, unsigned char *dst, unsigned int dstWidth,
+                        unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                        unsigned char opacity, bool twoLevel, unsigned int regionWidth,
+                        unsigned int regionHeight, _EMotionCopyMode mode, bool /*exact*/) {
+  ostrel::compositing::MotionCopyGreyBytes(src, srcWidth, srcHeight, srcLeft, srcTop, alpha,
+                                           alphaWidth, alphaHeight, alphaLeft, alphaTop, dst,
+                                           dstWidth, dstHeight, dstLeft, dstTop, opacity, twoLevel,
+                                           regionWidth, regionHeight, mode, __func__);
+}
+
 void MotionCopyL12ToL12(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
                         unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
                         unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
@@ -114,38 +155,20 @@ void MotionCopyL12ToL12(unsigned short *src, unsigned int srcWidth, unsigned int
                         unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                         unsigned char opacity, bool twoLevel, unsigned int regionWidth,
                         unsigned int regionHeight, _EMotionCopyMode mode, bool /*exact*/) {
-  ostrel::MotionCopy(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
-                     alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
-                     regionHeight, mode, __func__,
-                     ostrel::GreyPixel<unsigned short>{opacity, twoLevel ? 4095u : 0u});
+  ostrel::compositing::MotionCopy(
+      src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight, alphaLeft,
+      alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth, regionHeight, mode,
+      __func__, ostrel::compositing::GreyPixel<unsigned short>{opacity, twoLevel ? 4095u : 0u});
 }
 
-void MotionCopyTRCWithAlphaBufferToTRC(unsigned int *src, unsigned int srcWidth,
-                                       unsigned int srcHeight, unsigned int srcLeft,
-                                       unsigned int srcTop, unsigned char *alpha,
-                                       unsigned int alphaWidth, unsigned int alphaHeight,
-                                       unsigned int alphaLeft, unsigned int alphaTop,
-                                       unsigned int *dst, unsigned int dstWidth,
-                                       unsigned int dstHeight, unsigned int dstLeft,
-                                       unsigned int dstTop, unsigned char opacity,
-                                       unsigned int regionWidth, unsigned int regionHeight,
-                                       _EMotionCopyMode mode, bool /*exact*/) {
-  ostrel::MotionCopy(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
-                     alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
-                     regionHeight, mode, __func__,
-                     [opacity](unsigned int d, unsigned int s, unsigned char a) {
-                       return ostrel::blend::ExactPixel(d, s, ostrel::blend::ExactWeight(a, opacity));
-                     },
-                     // Rows that do not alias: the colour blend's kernel for
-                     // source pixels weighted by alpha bytes, exact form.
-                     [kernel = ostrel::ActiveTrcBlendKernels().pixelsByBytes[ostrel::FormIndex(true)],
-                      opacity](unsigned int *out, const unsigned int *in,
-                               const unsigned char *cover, std::uint32_t n) {
-                       ostrel::TrcRow row{out, n};
-                       row.pixels = in;
-                       row.bytes = cover;
-                       ostrel::TrcBlend blend;
-                       blend.opacity = opacity;
-                       kernel(row, blend);
-                     });
+void MotionCopyTRCWithAlphaBufferToTRC(
+    unsigned int *src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcLeft,
+    unsigned int srcTop, unsigned char *alpha, unsigned int alphaWidth, unsigned int alphaHeight,
+    unsigned int alphaLeft, unsigned int alphaTop, unsigned int *dst, unsigned int dstWidth,
+    unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+    unsigned int regionWidth, unsigned int regionHeight, _EMotionCopyMode mode, bool /*exact*/) {
+  ostrel::compositing::MotionCopyColours(src, srcWidth, srcHeight, srcLeft, srcTop, alpha,
+                                         alphaWidth, alphaHeight, alphaLeft, alphaTop, dst,
+                                         dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth,
+                                         regionHeight, mode, __func__);
 }

@@ -10,13 +10,16 @@
 #include <cstdint>
 
 namespace ostrel {
+namespace compositing {
 namespace {
 
 struct Avx2 {
   using Reg = __m256i;
   static constexpr std::size_t kPixels = 8;
 
-  static Reg Load(const std::uint32_t *p) { return _mm256_loadu_si256(reinterpret_cast<const Reg *>(p)); }
+  static Reg Load(const std::uint32_t *p) {
+    return _mm256_loadu_si256(reinterpret_cast<const Reg *>(p));
+  }
   static void Store(std::uint32_t *p, Reg v) { _mm256_storeu_si256(reinterpret_cast<Reg *>(p), v); }
   // kPixels bytes or 16-bit words, each widened to a 32-bit lane.
   static Reg BytesToLanes(const std::uint8_t *p) {
@@ -45,13 +48,25 @@ struct Avx2 {
   static Reg MulLo16(Reg a, Reg b) { return _mm256_mullo_epi16(a, b); }
   static Reg MulHiU16(Reg a, Reg b) { return _mm256_mulhi_epu16(a, b); }
   static Reg MulHiS16(Reg a, Reg b) { return _mm256_mulhi_epi16(a, b); }
-  template <int n> static Reg ShiftLeft16(Reg a) { return _mm256_slli_epi16(a, n); }
+  template <int n>
+  static Reg ShiftLeft16(Reg a) {
+    return _mm256_slli_epi16(a, n);
+  }
   // |a|, and b negated where a < 0 (0 where a is 0), 16-bit lanes.
   static Reg Abs16(Reg a) { return _mm256_abs_epi16(a); }
   static Reg Sign16(Reg b, Reg a) { return _mm256_sign_epi16(b, a); }
-  template <int n> static Reg ShiftRight16(Reg a) { return _mm256_srli_epi16(a, n); }
-  template <int n> static Reg ShiftLeft32(Reg a) { return _mm256_slli_epi32(a, n); }
-  template <int n> static Reg ShiftRight32(Reg a) { return _mm256_srli_epi32(a, n); }
+  template <int n>
+  static Reg ShiftRight16(Reg a) {
+    return _mm256_srli_epi16(a, n);
+  }
+  template <int n>
+  static Reg ShiftLeft32(Reg a) {
+    return _mm256_slli_epi32(a, n);
+  }
+  template <int n>
+  static Reg ShiftRight32(Reg a) {
+    return _mm256_srli_epi32(a, n);
+  }
 
   // Whole registers of bytes (kBytes of them), for the grey kernels; bytes
   // widen to 16-bit lanes by unpacking with zero and narrow back by packing
@@ -67,6 +82,7 @@ struct Avx2 {
 };
 
 }  // namespace
+}  // namespace compositing
 }  // namespace ostrel
 
 #endif  // OSTREL_COMPOSITING_SIMD_AVX2_H

@@ -11,13 +11,16 @@
 #include <cstring>
 
 namespace ostrel {
+namespace compositing {
 namespace {
 
 struct Sse2 {
   using Reg = __m128i;
   static constexpr std::size_t kPixels = 4;
 
-  static Reg Load(const std::uint32_t *p) { return _mm_loadu_si128(reinterpret_cast<const Reg *>(p)); }
+  static Reg Load(const std::uint32_t *p) {
+    return _mm_loadu_si128(reinterpret_cast<const Reg *>(p));
+  }
   static void Store(std::uint32_t *p, Reg v) { _mm_storeu_si128(reinterpret_cast<Reg *>(p), v); }
   // kPixels bytes or 16-bit words, each widened to a 32-bit lane.
   static Reg BytesToLanes(const std::uint8_t *p) {
@@ -27,7 +30,8 @@ struct Sse2 {
     return _mm_unpacklo_epi16(_mm_unpacklo_epi8(_mm_cvtsi32_si128(four), zero), zero);
   }
   static Reg WordsToLanes(const std::uint16_t *p) {
-    return _mm_unpacklo_epi16(_mm_loadl_epi64(reinterpret_cast<const Reg *>(p)), _mm_setzero_si128());
+    return _mm_unpacklo_epi16(_mm_loadl_epi64(reinterpret_cast<const Reg *>(p)),
+                              _mm_setzero_si128());
   }
 
   // Asks for the cache line holding p; never faults.
@@ -49,7 +53,10 @@ struct Sse2 {
   static Reg MulLo16(Reg a, Reg b) { return _mm_mullo_epi16(a, b); }
   static Reg MulHiU16(Reg a, Reg b) { return _mm_mulhi_epu16(a, b); }
   static Reg MulHiS16(Reg a, Reg b) { return _mm_mulhi_epi16(a, b); }
-  template <int n> static Reg ShiftLeft16(Reg a) { return _mm_slli_epi16(a, n); }
+  template <int n>
+  static Reg ShiftLeft16(Reg a) {
+    return _mm_slli_epi16(a, n);
+  }
   // |a| and b negated where a < 0, 16-bit lanes (no SSSE3: by the sign mask).
   static Reg Abs16(Reg a) {
     const Reg sign = _mm_srai_epi16(a, 15);
@@ -59,9 +66,18 @@ struct Sse2 {
     const Reg sign = _mm_srai_epi16(a, 15);
     return _mm_sub_epi16(_mm_xor_si128(b, sign), sign);
   }
-  template <int n> static Reg ShiftRight16(Reg a) { return _mm_srli_epi16(a, n); }
-  template <int n> static Reg ShiftLeft32(Reg a) { return _mm_slli_epi32(a, n); }
-  template <int n> static Reg ShiftRight32(Reg a) { return _mm_srli_epi32(a, n); }
+  template <int n>
+  static Reg ShiftRight16(Reg a) {
+    return _mm_srli_epi16(a, n);
+  }
+  template <int n>
+  static Reg ShiftLeft32(Reg a) {
+    return _mm_slli_epi32(a, n);
+  }
+  template <int n>
+  static Reg ShiftRight32(Reg a) {
+    return _mm_srli_epi32(a, n);
+  }
 
   // Whole registers of bytes (kBytes of them), for the grey kernels; bytes
   // widen to 16-bit lanes by unpacking with zero and narrow back by packing
@@ -76,6 +92,7 @@ struct Sse2 {
 };
 
 }  // namespace
+}  // namespace compositing
 }  // namespace ostrel
 
 #endif  // OSTREL_COMPOSITING_SIMD_SSE2_H

@@ -15,6 +15,7 @@
 #endif
 
 namespace ostrel {
+namespace compositing {
 
 const std::size_t kStringStoreMinPixels = 512;  // 2 KiB
 
@@ -27,6 +28,7 @@ inline void StringStore32(std::uint32_t *row, std::size_t n, std::uint32_t colou
 #endif
 }
 
+}  // namespace compositing
 }  // namespace ostrel
 
 #endif  // OSTREL_COMPOSITING_STRING_STORE_X86_H

@@ -9,10 +9,12 @@
 #include "frame/region.h"
 
 namespace ostrel {
+namespace compositing {
 
 // Index of the form a call runs (into the two-form kernel entries).
 inline int FormIndex(bool exact) {
-  return static_cast<int>(frame::UseFastForm(exact) ? blend::Form::kFast : blend::Form::kExact);
+  return static_cast<int>(frame::UseFastForm(exact) ? frame::blend::Form::kFast
+                                                    : frame::blend::Form::kExact);
 }
 
 // The blend of a paint colour at an opacity.
@@ -25,10 +27,11 @@ inline TrcBlend PaintBlend(unsigned int colour, unsigned int opacity) {
 
 // Calls kernel(rowOf(j), blend) for each row j of the clipped region.
 template <class RowOf>
-void BlendRows(Extent e, TrcRowKernel kernel, const TrcBlend &blend, RowOf &&rowOf) {
+void BlendRows(frame::Extent e, TrcRowKernel kernel, const TrcBlend &blend, RowOf &&rowOf) {
   for (std::uint32_t j = 0; j < e.rows; ++j) kernel(rowOf(j), blend);
 }
 
+}  // namespace compositing
 }  // namespace ostrel
 
 #endif  // OSTREL_COMPOSITING_TRC_BLEND_H

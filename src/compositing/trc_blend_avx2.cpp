@@ -9,8 +9,10 @@ OSTREL_BEGIN_AVX2
 #include "compositing/trc_blend_simd.inl"
 
 namespace ostrel {
+namespace compositing {
 
 constexpr TrcBlendKernels TrcBlendKernelsAvx2 = MakeTrcBlendKernels<Avx2>();
 
+}  // namespace compositing
 }  // namespace ostrel
 OSTREL_END_AVX2

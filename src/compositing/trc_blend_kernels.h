@@ -15,6 +15,7 @@
 #include "frame/dispatch.h"
 
 namespace ostrel {
+namespace compositing {
 
 // One row of a blend: n destination pixels and, depending on the kernel,
 // the source row it reads (pixel i of each pairs with dst[i]).
@@ -49,7 +50,7 @@ struct TrcBlend {
 
 using TrcRowKernel = void (*)(const TrcRow &row, const TrcBlend &blend);
 
-// Kernels with both forms are indexed by blend::Form (0 exact, 1 fast).
+// Kernels with both forms are indexed by frame::blend::Form (0 exact, 1 fast).
 // "c" is a pixel's coverage, o the opacity, W the exact and w the fast weight;
 // unless a kernel says otherwise, the destination's alpha byte is kept.
 struct TrcBlendKernels {
@@ -77,6 +78,7 @@ struct TrcBlendKernels {
 
 OSTREL_KERNEL_FAMILY(TrcBlendKernels)
 
+}  // namespace compositing
 }  // namespace ostrel
 
 #endif  // OSTREL_COMPOSITING_TRC_BLEND_KERNELS_H

@@ -4,13 +4,14 @@
 #include "frame/blend.h"
 
 namespace ostrel {
+namespace compositing {
 namespace {
 
-using blend::ExactPixel;
-using blend::ExactWeight;
-using blend::Form;
-using blend::Pixel;
-using blend::Weight;
+using frame::blend::ExactPixel;
+using frame::blend::ExactWeight;
+using frame::blend::Form;
+using frame::blend::Pixel;
+using frame::blend::Weight;
 
 constexpr std::uint32_t kAlphaByte = 0xFF000000u;
 
@@ -127,27 +128,37 @@ void AlphaByBytes(const TrcRow &r, const TrcBlend &b) {
   const std::int32_t value = static_cast<std::int32_t>(b.colour >> 24);
   for (std::size_t i = 0; i < r.n; ++i) {
     const std::int32_t a = static_cast<std::int32_t>(r.dst[i] >> 24);
-    const std::uint32_t alpha =
-        static_cast<std::uint32_t>(blend::ExactChannel(a, value, ExactWeight(r.bytes[i], b.opacity)));
+    const std::uint32_t alpha = static_cast<std::uint32_t>(
+        frame::blend::ExactChannel(a, value, ExactWeight(r.bytes[i], b.opacity)));
     r.dst[i] = (r.dst[i] & ~kAlphaByte) | ((alpha & 0xFFu) << 24);
   }
 }
 
 }  // namespace
 
-#define OSTREL_BOTH_FORMS(kernel) {kernel<Form::kExact>, kernel<Form::kFast>}
+#define OSTREL_BOTH_FORMS(kernel) \
+  { kernel<Form::kExact>, kernel<Form::kFast> }
 
 const TrcBlendKernels TrcBlendKernelsScalar = {
-    OSTREL_BOTH_FORMS(PixelsByAlpha),   OSTREL_BOTH_FORMS(PixelsByWeight),
-    OSTREL_BOTH_FORMS(PixelsByBytes),   OSTREL_BOTH_FORMS(ColourByBytes),
-    OSTREL_BOTH_FORMS(ColourByInverse), OSTREL_BOTH_FORMS(ColourByWords),
-    OSTREL_BOTH_FORMS(ColourByWeight),  ColourByFlag,
-    ColourByBlue,                       ColourByBlueFlag,
-    ColourScaledByBlue,                 ColourErasingAlpha,
-    QuickMask,                          GreysByBytes,
-    ColourOnBackground,                 AlphaByBytes,
+    OSTREL_BOTH_FORMS(PixelsByAlpha),
+    OSTREL_BOTH_FORMS(PixelsByWeight),
+    OSTREL_BOTH_FORMS(PixelsByBytes),
+    OSTREL_BOTH_FORMS(ColourByBytes),
+    OSTREL_BOTH_FORMS(ColourByInverse),
+    OSTREL_BOTH_FORMS(ColourByWords),
+    OSTREL_BOTH_FORMS(ColourByWeight),
+    ColourByFlag,
+    ColourByBlue,
+    ColourByBlueFlag,
+    ColourScaledByBlue,
+    ColourErasingAlpha,
+    QuickMask,
+    GreysByBytes,
+    ColourOnBackground,
+    AlphaByBytes,
 };
 
 #undef OSTREL_BOTH_FORMS
 
+}  // namespace compositing
 }  // namespace ostrel

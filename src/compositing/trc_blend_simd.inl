@@ -16,7 +16,7 @@
 //          16 bits (w <= 255), and the high half of a signed product is the
 //          product divided by 65536, rounded down.
 //   Div255(x) = (x * 0x8081) >> 23, which equals x / 255 for every x in
-//          0..65535 (blend::Div255ByMultiply).
+//          0..65535 (frame::blend::Div255ByMultiply).
 // Rows are walked a cache line at a time, with the lines some way ahead
 // prefetched. The last few pixels of a row go through a short copy, so no
 // vector access reaches past the row.
@@ -25,9 +25,10 @@
 #include "compositing/simd_lanes.h"
 
 namespace ostrel {
+namespace compositing {
 namespace {
 
-using blend::Form;
+using frame::blend::Form;
 
 // The weights of a call, from coverages c (0..257) in 32-bit lanes. At
 // opacity 255 (the usual case, and the same for every step of a call, so the
@@ -65,8 +66,8 @@ typename V::Reg BlendPixels(typename V::Reg d, typename V::Reg s, typename V::Re
   const typename V::Reg lane = form == Form::kExact ? w : V::Add16(w, w);
   const typename V::Reg both = V::Or(lane, V::template ShiftLeft32<16>(lane));
   const typename V::Reg wOdd = alphaOnly ? V::template ShiftLeft32<16>(lane) : lane;
-  const typename V::Reg odd = BlendLanes<V, form>(V::template ShiftRight16<8>(d),
-                                                  V::template ShiftRight16<8>(s), wOdd);
+  const typename V::Reg odd =
+      BlendLanes<V, form>(V::template ShiftRight16<8>(d), V::template ShiftRight16<8>(s), wOdd);
   const typename V::Reg evenD = V::And(d, evenBytes);
   if (alphaOnly) return V::Or(evenD, V::template ShiftLeft16<8>(odd));
   const typename V::Reg even = BlendLanes<V, form>(evenD, V::And(s, evenBytes), both);
@@ -87,7 +88,8 @@ struct PixelsByAlpha {
 template <class V, Form form>
 struct PixelsByWeight {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
-    V::Store(r.dst + i, BlendPixels<V, form>(V::Load(r.dst + i), V::Load(r.pixels + i), V::Set32(b.weight)));
+    V::Store(r.dst + i,
+             BlendPixels<V, form>(V::Load(r.dst + i), V::Load(r.pixels + i), V::Set32(b.weight)));
   }
 };
 
@@ -120,16 +122,19 @@ template <class V, Form form>
 struct ColourByWords {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
     const typename V::Reg word = V::WordsToLanes(r.words + i);
-    const typename V::Reg c = form == Form::kExact ? Div255<V>(word) : V::template ShiftRight32<8>(word);
+    const typename V::Reg c =
+        form == Form::kExact ? Div255<V>(word) : V::template ShiftRight32<8>(word);
     const typename V::Reg w = WeightOf<V, form>(c, b.opacity);
-    V::Store(r.dst + i, BlendPixels<V, form, false, true>(V::Load(r.dst + i), V::Set32(b.colour), w));
+    V::Store(r.dst + i,
+             BlendPixels<V, form, false, true>(V::Load(r.dst + i), V::Set32(b.colour), w));
   }
 };
 
 template <class V, Form form>
 struct ColourByWeight {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
-    V::Store(r.dst + i, BlendPixels<V, form>(V::Load(r.dst + i), V::Set32(b.colour), V::Set32(b.weight)));
+    V::Store(r.dst + i,
+             BlendPixels<V, form>(V::Load(r.dst + i), V::Set32(b.colour), V::Set32(b.weight)));
   }
 };
 
@@ -157,7 +162,8 @@ struct ColourScaledByBlue {
     const typename V::Reg d = V::Load(r.dst + i);
     const typename V::Reg blue = V::And(V::Load(r.pixels + i), V::Set32(0xFF));
     const typename V::Reg alphaOnly = V::And(d, V::Set32(0xFF000000u));
-    const typename V::Reg scaled = BlendPixels<V, Form::kExact>(alphaOnly, V::Set32(b.colour), blue);
+    const typename V::Reg scaled =
+        BlendPixels<V, Form::kExact>(alphaOnly, V::Set32(b.colour), blue);
     V::Store(r.dst + i, Select<V>(V::CmpEq32(blue, V::Zero()), d, scaled));
   }
 };
@@ -167,7 +173,8 @@ struct ColourErasingAlpha {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
     const typename V::Reg c = V::BytesToLanes(r.bytes + i);
     const typename V::Reg w = WeightOf<V, Form::kExact>(c, b.opacity);
-    const typename V::Reg out = BlendPixels<V, Form::kExact>(V::Load(r.dst + i), V::Set32(b.colour), w);
+    const typename V::Reg out =
+        BlendPixels<V, Form::kExact>(V::Load(r.dst + i), V::Set32(b.colour), w);
     const typename V::Reg keep = V::Or(V::CmpEq32(c, V::Zero()), V::Set32(0x00FFFFFFu));
     V::Store(r.dst + i, V::And(out, keep));
   }
@@ -200,7 +207,8 @@ struct ColourOnBackground {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
     const typename V::Reg d = V::Load(r.dst + i);
     const typename V::Reg m = V::BytesToLanes(r.bytes + i);
-    const typename V::Reg laid = BlendPixels<V, Form::kExact>(V::Set32(b.background), V::Set32(b.colour), m);
+    const typename V::Reg laid =
+        BlendPixels<V, Form::kExact>(V::Set32(b.background), V::Set32(b.colour), m);
     const typename V::Reg out = BlendPixels<V, Form::kExact>(d, laid, V::Set32(b.opacity));
     V::Store(r.dst + i, Select<V>(V::CmpEq32(m, V::Zero()), d, out));
   }
@@ -210,7 +218,8 @@ template <class V>
 struct AlphaByBytes {
   static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
     const typename V::Reg w = WeightOf<V, Form::kExact>(V::BytesToLanes(r.bytes + i), b.opacity);
-    V::Store(r.dst + i, BlendPixels<V, Form::kExact, true>(V::Load(r.dst + i), V::Set32(b.colour), w));
+    V::Store(r.dst + i,
+             BlendPixels<V, Form::kExact, true>(V::Load(r.dst + i), V::Set32(b.colour), w));
   }
 };
 
@@ -248,10 +257,14 @@ void RunRow(const TrcRow &row, const TrcBlend &blend) {
   std::uint16_t words[V::kPixels] = {};
   TrcRow copy{dst, V::kPixels};
   std::memcpy(dst, rest.dst, rest.n * sizeof *dst);
-  if (rest.pixels) copy.pixels = static_cast<std::uint32_t *>(std::memcpy(pixels, rest.pixels, rest.n * sizeof *pixels));
+  if (rest.pixels)
+    copy.pixels =
+        static_cast<std::uint32_t *>(std::memcpy(pixels, rest.pixels, rest.n * sizeof *pixels));
   if (rest.bytes) copy.bytes = static_cast<std::uint8_t *>(std::memcpy(bytes, rest.bytes, rest.n));
   if (rest.greys) copy.greys = static_cast<std::uint8_t *>(std::memcpy(greys, rest.greys, rest.n));
-  if (rest.words) copy.words = static_cast<std::uint16_t *>(std::memcpy(words, rest.words, rest.n * sizeof *words));
+  if (rest.words)
+    copy.words =
+        static_cast<std::uint16_t *>(std::memcpy(words, rest.words, rest.n * sizeof *words));
   Kernel::Step(copy, b, 0);
   std::memcpy(rest.dst, dst, rest.n * sizeof *dst);
 }
@@ -279,4 +292,5 @@ constexpr TrcBlendKernels MakeTrcBlendKernels() {
 }
 
 }  // namespace
+}  // namespace compositing
 }  // namespace ostrel

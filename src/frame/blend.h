@@ -23,6 +23,7 @@
 #include <cstdint>
 
 namespace ostrel {
+namespace frame {
 namespace blend {
 
 static_assert((-1 >> 1) == -1, "the fast form needs an arithmetic right shift of signed values");
@@ -100,6 +101,7 @@ constexpr std::uint32_t FastPixel(std::uint32_t dst, std::uint32_t src, std::uin
 }
 
 }  // namespace blend
+}  // namespace frame
 }  // namespace ostrel
 
 #endif  // OSTREL_FRAME_BLEND_H

@@ -24,18 +24,14 @@ namespace frame {
 }  // namespace frame
 }  // namespace ostrel
 
-// The name of the function that called the current one, for helpers that
-// check on behalf of an exported function.
-#if defined(__GNUC__) || defined(__clang__)
-#define OSTREL_CALLER_NAME() __builtin_FUNCTION()
-#else
-#define OSTREL_CALLER_NAME() "(unknown)"
-#endif
-
 // OSTREL_EXPECT(function, condition): in the checked build, reports condition
 // as a caller error of function when it does not hold. In the release build
 // the condition is not evaluated (only named, so that what it mentions
 // counts as used).
+//
+// function is always the exported function's own __func__: the exported
+// function passes it, and every helper that checks on its behalf takes it as
+// a `const char *function` parameter and hands it on.
 #if OSTREL_CHECKED
 #define OSTREL_EXPECT(function, condition) \
   ((condition) ? static_cast<void>(0) : ::ostrel::frame::ReportCallerError((function), #condition))

@@ -3,6 +3,7 @@
 #include "frame/cpu_features.h"
 
 namespace ostrel {
+namespace frame {
 namespace simd {
 
 namespace {
@@ -30,4 +31,5 @@ void LimitIsaForTesting(Isa limit) {
 }
 
 }  // namespace simd
+}  // namespace frame
 }  // namespace ostrel

@@ -62,6 +62,7 @@
 #endif
 
 namespace ostrel {
+namespace frame {
 namespace simd {
 
 enum class Isa : int { kScalar = 0, kSse2 = 1, kAvx2 = 2 };
@@ -75,9 +76,7 @@ Isa SupportedIsa();
 
 // The instruction set the kernels run with: SupportedIsa(), unless a test
 // lowered it.
-inline Isa ActiveIsa() {
-  return static_cast<Isa>(g_activeIsa.load(std::memory_order_relaxed));
-}
+inline Isa ActiveIsa() { return static_cast<Isa>(g_activeIsa.load(std::memory_order_relaxed)); }
 
 // Runs the kernels with at most `limit` (never more than SupportedIsa()).
 // For tests; not exported.
@@ -98,22 +97,23 @@ const Table &Pick(const Table &scalar, const Table *sse2, const Table *avx2) {
 }
 
 }  // namespace simd
+}  // namespace frame
 }  // namespace ostrel
 
 // Declares the three tables of a kernel family and Active<Table>().
 #if OSTREL_KERNELS_X86
-#define OSTREL_KERNEL_FAMILY(Table)                                                    \
-  extern const Table Table##Scalar;                                                    \
-  extern const Table Table##Sse2;                                                      \
-  extern const Table Table##Avx2;                                                      \
-  inline const Table &Active##Table() {                                                \
-    return ::ostrel::simd::Pick<Table>(Table##Scalar, &Table##Sse2, &Table##Avx2);     \
+#define OSTREL_KERNEL_FAMILY(Table)                                                       \
+  extern const Table Table##Scalar;                                                       \
+  extern const Table Table##Sse2;                                                         \
+  extern const Table Table##Avx2;                                                         \
+  inline const Table &Active##Table() {                                                   \
+    return ::ostrel::frame::simd::Pick<Table>(Table##Scalar, &Table##Sse2, &Table##Avx2); \
   }
 #else
-#define OSTREL_KERNEL_FAMILY(Table)                                                    \
-  extern const Table Table##Scalar;                                                    \
-  inline const Table &Active##Table() {                                                \
-    return ::ostrel::simd::Pick<Table>(Table##Scalar, nullptr, nullptr);               \
+#define OSTREL_KERNEL_FAMILY(Table)                                             \
+  extern const Table Table##Scalar;                                             \
+  inline const Table &Active##Table() {                                         \
+    return ::ostrel::frame::simd::Pick<Table>(Table##Scalar, nullptr, nullptr); \
   }
 #endif
 

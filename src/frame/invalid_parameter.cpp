@@ -8,6 +8,9 @@
 #include "VornelTextMgr.h"
 #include "frame/platform.h"
 
+namespace ostrel {
+namespace frame {
+namespace platform {
 namespace {
 
 std::atomic<OstrelInvalidParameterHandler> g_hostHandler{nullptr};
@@ -24,13 +27,6 @@ bool ReportThroughTextManager(const char *file, unsigned int line) {
 
 }  // namespace
 
-OstrelInvalidParameterHandler SetInvalidParameterHandler(OstrelInvalidParameterHandler handler) {
-  return g_hostHandler.exchange(handler);
-}
-
-namespace ostrel {
-namespace platform {
-
 void InvalidParameter(const char *function, const char *expression, const char *file,
                       unsigned int line) {
   if (const OstrelInvalidParameterHandler handler = g_hostHandler.load()) {
@@ -45,4 +41,9 @@ void InvalidParameter(const char *function, const char *expression, const char *
 }
 
 }  // namespace platform
+}  // namespace frame
 }  // namespace ostrel
+
+OstrelInvalidParameterHandler SetInvalidParameterHandler(OstrelInvalidParameterHandler handler) {
+  return ostrel::frame::platform::g_hostHandler.exchange(handler);
+}

@@ -1,12 +1,13 @@
 // The framework base of the module object and the suite's exception handler.
-#include "MfcUtilities.h"
-
 #include <cstdio>
 #include <new>
 
+#include "MfcUtilities.h"
 #include "VornelException.h"
 #include "VornelTextMgr.h"
 
+namespace ostrel {
+namespace frame {
 namespace {
 
 FrameworkResult FrameworkValueFor(const CFrameworkMessage *msg) {
@@ -28,6 +29,8 @@ CVornelException AsVornelException(const std::exception_ptr &e) {
 }
 
 }  // namespace
+}  // namespace frame
+}  // namespace ostrel
 
 int CWinApp::InitInstance() { return 1; }
 
@@ -40,17 +43,17 @@ FrameworkResult CWinApp::ProcessWndProcException(std::exception_ptr e,
   } catch (...) {
     std::fprintf(stderr, "Unhandled exception in window procedure\n");
   }
-  return FrameworkValueFor(msg);
+  return ostrel::frame::FrameworkValueFor(msg);
 }
 
-FrameworkResult CVornelWinAppForRegularDLL::ProcessWndProcException(
-    std::exception_ptr e, const CFrameworkMessage *msg) {
+FrameworkResult CVornelWinAppForRegularDLL::ProcessWndProcException(std::exception_ptr e,
+                                                                    const CFrameworkMessage *msg) {
   ITextManager *textManager = DllGetTextMgr();
   if (textManager == nullptr) return CWinApp::ProcessWndProcException(e, msg);
 
-  if (e) textManager->ReportException(AsVornelException(e));
+  if (e) textManager->ReportException(ostrel::frame::AsVornelException(e));
   textManager->Release();
 
   if (msg != nullptr && msg->message == kWmCommand) return 1;
-  return FrameworkValueFor(msg);
+  return ostrel::frame::FrameworkValueFor(msg);
 }

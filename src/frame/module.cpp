@@ -13,11 +13,8 @@ int QuerySse3() { return platform::ProcessorFeaturePresent(platform::kFeatureSse
 
 void SetFastFormFlagForTesting(int value) { g_fastFormFlag = value; }
 
-}  // namespace frame
-}  // namespace ostrel
-
 int COstrelApp::InitInstance() {
-  ostrel::frame::g_fastFormFlag = ostrel::frame::QueryMmx();
+  g_fastFormFlag = QueryMmx();
   return CVornelWinAppForRegularDLL::InitInstance();
 }
 
@@ -29,3 +26,5 @@ COstrelApp theApp;
 [[maybe_unused]] const int g_started = theApp.InitInstance();
 
 }  // namespace
+}  // namespace frame
+}  // namespace ostrel

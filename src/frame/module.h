@@ -4,6 +4,9 @@
 
 #include "MfcUtilities.h"
 
+namespace ostrel {
+namespace frame {
+
 // The library's one application object. It is a static object, so it is
 // created when the library is loaded, and its InitInstance runs right after:
 // it sets the module-wide fast-form flag from the processor-feature query
@@ -12,9 +15,6 @@ class COstrelApp : public CVornelWinAppForRegularDLL {
  public:
   int InitInstance() override;
 };
-
-namespace ostrel {
-namespace frame {
 
 // The module-wide fast-form flag: nonzero when the processor offers MMX. The
 // compositing functions that have a fast form run it when their `exact`

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 namespace ostrel {
+namespace frame {
 
 // Truncates x toward zero to a signed 32-bit integer. A value outside the
 // range of int32 (or NaN) gives 0x80000000, the processor's "integer
@@ -22,6 +23,7 @@ inline std::int64_t TruncToInt64(double x) {
   return static_cast<std::int64_t>(x);
 }
 
+}  // namespace frame
 }  // namespace ostrel
 
 #endif  // OSTREL_FRAME_NUMERIC_H

@@ -4,6 +4,7 @@
 #define OSTREL_FRAME_PLATFORM_H
 
 namespace ostrel {
+namespace frame {
 namespace platform {
 
 // Processor features, numbered as the Windows processor-feature query
@@ -86,12 +87,14 @@ void CloseAutoResetEvent(EventHandle event);
 bool StartThread(void (*routine)(void *), void *argument);
 
 }  // namespace platform
+}  // namespace frame
 }  // namespace ostrel
 
 // Calls the invalid-parameter handler for the exported function `function`
 // when condition does not hold; in the release build as in the checked one.
-#define OSTREL_INVALID_PARAMETER_UNLESS(function, condition)                               \
-  ((condition) ? static_cast<void>(0)                                                       \
-               : ::ostrel::platform::InvalidParameter((function), #condition, __FILE__, __LINE__))
+#define OSTREL_INVALID_PARAMETER_UNLESS(function, condition) \
+  ((condition)                                               \
+       ? static_cast<void>(0)                                \
+       : ::ostrel::frame::platform::InvalidParameter((function), #condition, __FILE__, __LINE__))
 
 #endif  // OSTREL_FRAME_PLATFORM_H

@@ -1,9 +1,4 @@
 // The platform layer on POSIX systems.
-#include "frame/cpu_features.h"
-#include "frame/platform.h"
-
-#include "Ostrel.h"
-
 #include <pthread.h>
 #include <sched.h>
 
@@ -14,11 +9,16 @@
 #include <mutex>
 #include <new>
 
+#include "Ostrel.h"
+#include "frame/cpu_features.h"
+#include "frame/platform.h"
+
 namespace ostrel {
+namespace frame {
 namespace platform {
 
 bool ProcessorFeaturePresent(unsigned int feature) {
-  const frame::CpuFeatures f = frame::ReadCpuFeatures();
+  const CpuFeatures f = ReadCpuFeatures();
   switch (feature) {
     case kFeatureMmx:
       return f.mmx;
@@ -138,8 +138,9 @@ bool StartThread(void (*routine)(void *), void *argument) {
 }
 
 }  // namespace platform
+}  // namespace frame
 }  // namespace ostrel
 
 OstrelKeyStateQuery SetKeyStateQuery(OstrelKeyStateQuery query) {
-  return ostrel::platform::g_keyStateQuery.exchange(query);
+  return ostrel::frame::platform::g_keyStateQuery.exchange(query);
 }

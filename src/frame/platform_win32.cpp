@@ -1,20 +1,19 @@
 // The platform layer on Windows: the system's own calls.
-#include "frame/platform.h"
-
 #include "Ostrel.h"
+#include "frame/platform.h"
 
 #ifndef WIN32_LEAN_AND_MEAN
 #define WIN32_LEAN_AND_MEAN
 #endif
+#include <stdlib.h>
 #include <windows.h>
 
 #include <atomic>
 #include <cstdlib>
 #include <new>
 
-#include <stdlib.h>
-
 namespace ostrel {
+namespace frame {
 namespace platform {
 
 bool ProcessorFeaturePresent(unsigned int feature) {
@@ -89,8 +88,9 @@ bool StartThread(void (*routine)(void *), void *argument) {
 }
 
 }  // namespace platform
+}  // namespace frame
 }  // namespace ostrel
 
 OstrelKeyStateQuery SetKeyStateQuery(OstrelKeyStateQuery query) {
-  return ostrel::platform::g_keyStateQuery.exchange(query);
+  return ostrel::frame::platform::g_keyStateQuery.exchange(query);
 }

@@ -20,6 +20,7 @@
 #include "frame/checked.h"
 
 namespace ostrel {
+namespace frame {
 
 template <class Pixel>
 struct Plane {
@@ -36,8 +37,8 @@ struct Plane {
 };
 
 template <class Pixel>
-Plane<Pixel> MakePlane(Pixel *pixels, std::uint32_t width, std::uint32_t height,
-                       std::uint32_t left, std::uint32_t top) {
+Plane<Pixel> MakePlane(Pixel *pixels, std::uint32_t width, std::uint32_t height, std::uint32_t left,
+                       std::uint32_t top) {
   return Plane<Pixel>{pixels, width, height, left, top};
 }
 
@@ -52,6 +53,9 @@ struct Extent {
 
 inline std::uint32_t MinU32(std::uint32_t a, std::uint32_t b) { return a < b ? a : b; }
 
+// The clipping functions take the exported function's name (function) for
+// the checked build's reports of a corner outside its buffer.
+//
 // Clips a region against the source, then against the destination, in
 // unsigned arithmetic:
 //   columns = min(srcWidth,  srcLeft + regionWidth) - srcLeft
@@ -60,11 +64,11 @@ inline std::uint32_t MinU32(std::uint32_t a, std::uint32_t b) { return a < b ? a
 //   rows    = min(dstHeight, dstTop + rows)         - dstTop
 template <class Src, class Dst>
 Extent ClipPair(const Plane<Src> &src, const Plane<Dst> &dst, std::uint32_t regionWidth,
-                std::uint32_t regionHeight, const char *caller = OSTREL_CALLER_NAME()) {
-  OSTREL_EXPECT(caller, src.left <= src.width);
-  OSTREL_EXPECT(caller, src.top <= src.height);
-  OSTREL_EXPECT(caller, dst.left <= dst.width);
-  OSTREL_EXPECT(caller, dst.top <= dst.height);
+                std::uint32_t regionHeight, const char *function) {
+  OSTREL_EXPECT(function, src.left <= src.width);
+  OSTREL_EXPECT(function, src.top <= src.height);
+  OSTREL_EXPECT(function, dst.left <= dst.width);
+  OSTREL_EXPECT(function, dst.top <= dst.height);
   Extent e;
   e.columns = MinU32(src.width, src.left + regionWidth) - src.left;
   e.columns = MinU32(dst.width, dst.left + e.columns) - dst.left;
@@ -76,9 +80,9 @@ Extent ClipPair(const Plane<Src> &src, const Plane<Dst> &dst, std::uint32_t regi
 // Clips the region of a one-buffer function against its buffer.
 template <class Pixel>
 Extent ClipSingle(const Plane<Pixel> &buffer, std::uint32_t regionWidth, std::uint32_t regionHeight,
-                  const char *caller = OSTREL_CALLER_NAME()) {
-  OSTREL_EXPECT(caller, buffer.left <= buffer.width);
-  OSTREL_EXPECT(caller, buffer.top <= buffer.height);
+                  const char *function) {
+  OSTREL_EXPECT(function, buffer.left <= buffer.width);
+  OSTREL_EXPECT(function, buffer.top <= buffer.height);
   Extent e;
   e.columns = MinU32(buffer.width, buffer.left + regionWidth) - buffer.left;
   e.rows = MinU32(buffer.height, buffer.top + regionHeight) - buffer.top;
@@ -89,14 +93,14 @@ Extent ClipSingle(const Plane<Pixel> &buffer, std::uint32_t regionWidth, std::ui
 // the region keeps regionWidth columns (checked in the checked build).
 template <class Pixel>
 Extent ClipRowsOnly(const Plane<Pixel> &buffer, std::uint32_t regionWidth,
-                    std::uint32_t regionHeight, const char *caller = OSTREL_CALLER_NAME()) {
-  OSTREL_EXPECT(caller, buffer.top <= buffer.height);
+                    std::uint32_t regionHeight, const char *function) {
+  OSTREL_EXPECT(function, buffer.top <= buffer.height);
   Extent e;
   e.rows = MinU32(buffer.height, buffer.top + regionHeight) - buffer.top;
   e.columns = regionWidth;
   if (e.rows != 0) {
     const std::uint64_t left = buffer.left, width = buffer.width;
-    OSTREL_EXPECT(caller, left + regionWidth <= width);
+    OSTREL_EXPECT(function, left + regionWidth <= width);
   }
   return e;
 }
@@ -114,6 +118,7 @@ void ForEachRow(const Plane<Pixel> &buffer, Extent e, RowFn &&row) {
   for (std::uint32_t j = 0; j < e.rows; ++j) row(buffer.Row(j), e.columns);
 }
 
+}  // namespace frame
 }  // namespace ostrel
 
 #endif  // OSTREL_FRAME_REGION_H

@@ -1,22 +1,22 @@
 // Processor features, the worker pool and the scratch buffer shared by
 // threads.
-#include "Ostrel.h"
-#include "VornelException.h"
-#include "VornelLargeAllocator.h"
-#include "VornelMemMgr.h"
-
-#include "frame/module.h"
-#include "frame/platform.h"
-
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <new>
 
+#include "Ostrel.h"
+#include "VornelException.h"
+#include "VornelLargeAllocator.h"
+#include "VornelMemMgr.h"
+#include "frame/module.h"
+#include "frame/platform.h"
+
+namespace ostrel {
+namespace frame {
 namespace {
 
-using ostrel::platform::EventHandle;
-namespace platform = ostrel::platform;
+using platform::EventHandle;
 
 const unsigned int kExtraWorkers = 8;
 const unsigned int kExtraDoneEvents = 15;
@@ -134,23 +134,11 @@ class MemMgrReference {
   IMemMgr *manager_;
 };
 
-}  // namespace
-
-int IsMMX() { return ostrel::frame::QueryMmx(); }
-
-SynchStruct *GetSynchStruct() {
-  static Pool pool;
-  return pool.Record();
-}
-
-void SignalSynchEvent(void *event) { platform::SetAutoResetEvent(event); }
-
-void WaitSynchEvent(void *event) { platform::WaitAutoResetEvent(event); }
-
-void CalcAndGetFixedBufferForThreads(unsigned int total, unsigned int other, int bytesPerPixel,
-                                     unsigned int threadCount, unsigned int *linesPerThread,
-                                     unsigned int *pixelsPerLine, unsigned int *lineBytes,
-                                     unsigned char **buffer, bool splitLines) {
+// The sizing and allocation of CalcAndGetFixedBufferForThreads.
+void AllocateThreadScratch(unsigned int total, unsigned int other, int bytesPerPixel,
+                           unsigned int threadCount, unsigned int *linesPerThread,
+                           unsigned int *pixelsPerLine, unsigned int *lineBytes,
+                           unsigned char **buffer, bool splitLines) {
   std::uint64_t lines = splitLines ? total / threadCount : other;
   std::uint64_t pixels = splitLines ? other : total / threadCount;
   const std::uint64_t pixelBytes =
@@ -193,4 +181,27 @@ void CalcAndGetFixedBufferForThreads(unsigned int total, unsigned int other, int
   *lineBytes = static_cast<unsigned int>(bytes);
   *pixelsPerLine = static_cast<unsigned int>(pixels);
   *linesPerThread = static_cast<unsigned int>(lines);
+}
+
+}  // namespace
+}  // namespace frame
+}  // namespace ostrel
+
+int IsMMX() { return ostrel::frame::QueryMmx(); }
+
+SynchStruct *GetSynchStruct() {
+  static ostrel::frame::Pool pool;
+  return pool.Record();
+}
+
+void SignalSynchEvent(void *event) { ostrel::frame::platform::SetAutoResetEvent(event); }
+
+void WaitSynchEvent(void *event) { ostrel::frame::platform::WaitAutoResetEvent(event); }
+
+void CalcAndGetFixedBufferForThreads(unsigned int total, unsigned int other, int bytesPerPixel,
+                                     unsigned int threadCount, unsigned int *linesPerThread,
+                                     unsigned int *pixelsPerLine, unsigned int *lineBytes,
+                                     unsigned char **buffer, bool splitLines) {
+  ostrel::frame::AllocateThreadScratch(total, other, bytesPerPixel, threadCount, linesPerThread,
+                                       pixelsPerLine, lineBytes, buffer, splitLines);
 }

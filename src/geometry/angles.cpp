@@ -12,10 +12,8 @@
 #include "frame/numeric.h"
 #include "geometry/geometry.h"
 
-using ostrel::geometry::kHalfPi;
-using ostrel::geometry::kPi;
-using ostrel::geometry::kTwoPi;
-
+namespace ostrel {
+namespace geometry {
 namespace {
 
 // Tolerance below which GetIntersectionDistanceDb takes a line as horizontal
@@ -39,18 +37,8 @@ double MirrorAngle(double angle, _EAngleMode mode, double shift) {
   return t - 360 * std::floor(t / 360);
 }
 
-}  // namespace
-
-double GetAngle(double x1, double y1, double x2, double y2) {
-  const double dx = x2 - x1, dy = y2 - y1;
-  double offset = 0;
-  if (dx < 0) offset = 180;
-  if (dy < 0) offset = dx >= 0 ? 360 : 180;
-  if (dx == 0) return dy >= 0 ? 90 : 270;
-  return std::atan(dy / dx) * 180 / kPi + offset;
-}
-
-double GetAngleRad(double x1, double y1, double x2, double y2) {
+// GetAngleRad.
+double DirectionRadians(double x1, double y1, double x2, double y2) {
   const double dx = x2 - x1, dy = y2 - y1;
   double offset = 0;
   if (x2 < x1) offset = kPi;
@@ -61,24 +49,9 @@ double GetAngleRad(double x1, double y1, double x2, double y2) {
   return std::atan(dy / dx) + offset;
 }
 
-void GetPosition(double distance, double angleDegrees, double *x, double *y) {
-  PositionAt(distance, angleDegrees, *x, *y);
-}
-
-void GetPosition(double distance, double angleDegrees, ICoordPair *pair) {
-  double x, y;
-  PositionAt(distance, angleDegrees, x, y);
-  const VornelStatus status = pair->SetXY(x, y);
-  if (status < 0) MakeException(status, pair);
-}
-
-double GetLength(double x1, double y1, double x2, double y2) {
-  const double dx = x2 - x1, dy = y2 - y1;
-  return std::sqrt(dx * dx + dy * dy);
-}
-
-double GetIntersectionDistanceDb(double px, double py, double x1, double y1, double x2, double y2,
-                                 double *angle) {
+// GetIntersectionDistanceDb.
+double DistanceToLine(double px, double py, double x1, double y1, double x2, double y2,
+                      double *angle) {
   *angle = 0;
   const double dy = y2 - y1;
   if (std::fabs(dy) < kAxisTolerance) {
@@ -102,33 +75,66 @@ double GetIntersectionDistanceDb(double px, double py, double x1, double y1, dou
   return std::sqrt(ex * ex + ey * ey);
 }
 
-double GetSystemAngleFromUserAngle(double angle, _EAngleMode mode) {
-  return MirrorAngle(angle, mode, -270);
-}
-
-double GetUserAngleFromSystemAngle(double angle, _EAngleMode mode) {
-  return MirrorAngle(angle, mode, 90);
-}
-
-double GetFlexoSizeFromAngle(double length, double ratio, double angleDegrees) {
-  return (1 - ratio) * length / std::tan(angleDegrees / 180 * kPi);
-}
-
-double GetFlexoAngleFromSize(double length, double ratio, double size) {
-  return std::atan2((1 - ratio) * length, size) * 180 / kPi;
-}
-
-namespace ostrel {
-namespace geometry {
+}  // namespace
 
 std::int32_t GetIntersectionDistanceInt(std::int32_t px, std::int32_t py, std::int32_t x1,
                                         std::int32_t y1, std::int32_t x2, std::int32_t y2,
                                         double *angle) {
   // Differences of 32-bit integers are exact in doubles, and for them
   // |difference| < 0.001 holds exactly when they are equal.
-  const double d = GetIntersectionDistanceDb(px, py, x1, y1, x2, y2, angle);
-  return TruncToInt32(d + 0.5);
+  const double d = DistanceToLine(px, py, x1, y1, x2, y2, angle);
+  return frame::TruncToInt32(d + 0.5);
 }
 
 }  // namespace geometry
 }  // namespace ostrel
+
+double GetAngle(double x1, double y1, double x2, double y2) {
+  const double dx = x2 - x1, dy = y2 - y1;
+  double offset = 0;
+  if (dx < 0) offset = 180;
+  if (dy < 0) offset = dx >= 0 ? 360 : 180;
+  if (dx == 0) return dy >= 0 ? 90 : 270;
+  return std::atan(dy / dx) * 180 / ostrel::geometry::kPi + offset;
+}
+
+double GetAngleRad(double x1, double y1, double x2, double y2) {
+  return ostrel::geometry::DirectionRadians(x1, y1, x2, y2);
+}
+
+void GetPosition(double distance, double angleDegrees, double *x, double *y) {
+  ostrel::geometry::PositionAt(distance, angleDegrees, *x, *y);
+}
+
+void GetPosition(double distance, double angleDegrees, ICoordPair *pair) {
+  double x, y;
+  ostrel::geometry::PositionAt(distance, angleDegrees, x, y);
+  const VornelStatus status = pair->SetXY(x, y);
+  if (status < 0) MakeException(status, pair);
+}
+
+double GetLength(double x1, double y1, double x2, double y2) {
+  const double dx = x2 - x1, dy = y2 - y1;
+  return std::sqrt(dx * dx + dy * dy);
+}
+
+double GetIntersectionDistanceDb(double px, double py, double x1, double y1, double x2, double y2,
+                                 double *angle) {
+  return ostrel::geometry::DistanceToLine(px, py, x1, y1, x2, y2, angle);
+}
+
+double GetSystemAngleFromUserAngle(double angle, _EAngleMode mode) {
+  return ostrel::geometry::MirrorAngle(angle, mode, -270);
+}
+
+double GetUserAngleFromSystemAngle(double angle, _EAngleMode mode) {
+  return ostrel::geometry::MirrorAngle(angle, mode, 90);
+}
+
+double GetFlexoSizeFromAngle(double length, double ratio, double angleDegrees) {
+  return (1 - ratio) * length / std::tan(angleDegrees / 180 * ostrel::geometry::kPi);
+}
+
+double GetFlexoAngleFromSize(double length, double ratio, double size) {
+  return std::atan2((1 - ratio) * length, size) * 180 / ostrel::geometry::kPi;
+}

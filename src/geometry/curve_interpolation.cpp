@@ -9,6 +9,8 @@
 #include "frame/numeric.h"
 #include "frame/platform.h"
 
+namespace ostrel {
+namespace geometry {
 namespace {
 
 // The control points, read into 32-bit integers, and their tangents.
@@ -74,23 +76,25 @@ struct Spline {
 
 // v rounded half away from zero, truncated, and clamped to 0 .. maxValue.
 std::int32_t Level(double v, std::int32_t maxValue) {
-  std::int32_t level = ostrel::TruncToInt32(v >= 0 ? v + 0.5 : v - 0.5);
+  std::int32_t level = frame::TruncToInt32(v >= 0 ? v + 0.5 : v - 0.5);
   if (level < 0) level = 0;
   if (level > maxValue) level = maxValue;
   return level;
 }
 
 }  // namespace
+}  // namespace geometry
+}  // namespace ostrel
 
 void CurveInterpolation(int pointValueCount, unsigned short *points, int tableLength, int maxValue,
                         unsigned short *table) {
   const int k = pointValueCount / 2;
-  OSTREL_INVALID_PARAMETER_UNLESS("CurveInterpolation", k >= 2);
+  OSTREL_INVALID_PARAMETER_UNLESS(__func__, k >= 2);
   for (int i = 1; i < k; ++i) {
-    OSTREL_INVALID_PARAMETER_UNLESS("CurveInterpolation", points[2 * i - 2] <= points[2 * i]);
+    OSTREL_INVALID_PARAMETER_UNLESS(__func__, points[2 * i - 2] <= points[2 * i]);
   }
 
-  Spline s;
+  ostrel::geometry::Spline s;
   s.x.resize(k);
   s.y.resize(k);
   s.m.resize(k);
@@ -104,7 +108,7 @@ void CurveInterpolation(int pointValueCount, unsigned short *points, int tableLe
   std::int32_t v = s.x[0];
   for (; v < s.x[k - 1]; ++v) {
     *table++ = static_cast<unsigned short>(v);
-    *table++ = static_cast<unsigned short>(Level(s.At(v), maxValue));
+    *table++ = static_cast<unsigned short>(ostrel::geometry::Level(s.At(v), maxValue));
   }
   // The last point's value up to the end of the table, not clamped.
   for (; v < tableLength; ++v) {

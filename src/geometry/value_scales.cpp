@@ -8,6 +8,8 @@
 #include "frame/checked.h"
 #include "frame/numeric.h"
 
+namespace ostrel {
+namespace geometry {
 namespace {
 
 // One rung of the decade ladder: values below `below` step by 1 / factor.
@@ -23,8 +25,8 @@ struct Rung {
 };
 
 constexpr Rung kLadder[] = {
-    {0.001, 10000}, {0.01, 1000},    {0.1, 100},      {1, 10},          {10, 0},
-    {100, 0.1},     {1000, 0.01},    {10000, 0.001},  {100000, 0.0001},
+    {0.001, 10000}, {0.01, 1000}, {0.1, 100},     {1, 10},          {10, 0},
+    {100, 0.1},     {1000, 0.01}, {10000, 0.001}, {100000, 0.0001},
 };
 // From 1000000 up the step is 1000000; between 100000 and 1000000 it is
 // 100000 (the ladder tests the top rung before that one).
@@ -48,19 +50,21 @@ std::int32_t WrappingSub(std::int32_t a, std::int32_t b) {
 // for the steps of one.
 double Nice(double v, std::int32_t step) {
   const double factor = FactorOf(v);
-  if (factor == 0) return ostrel::TruncToInt32(v) + step;  // v lies in [1, 10)
-  return WrappingSub(step, ostrel::TruncToInt32(v * -factor)) / factor;
+  if (factor == 0) return frame::TruncToInt32(v) + step;  // v lies in [1, 10)
+  return WrappingSub(step, frame::TruncToInt32(v * -factor)) / factor;
 }
 
 }  // namespace
+}  // namespace geometry
+}  // namespace ostrel
 
-double GetNiceGreaterValue(double v) { return Nice(v, 1); }
+double GetNiceGreaterValue(double v) { return ostrel::geometry::Nice(v, 1); }
 
-double GetNiceSmallerValue(double v) { return Nice(v, -1); }
+double GetNiceSmallerValue(double v) { return ostrel::geometry::Nice(v, -1); }
 
 double GetLinearInterpoliertenWert(const double *xs, const double *ys, unsigned int count,
                                    double x) {
-  OSTREL_EXPECT("GetLinearInterpoliertenWert", count >= 2);
+  OSTREL_EXPECT(__func__, count >= 2);
   // The first segment that holds x, in either direction. With fewer than two
   // points the first segment is taken as it is.
   unsigned int i = 0;

@@ -5,6 +5,8 @@
 
 #include "Ostrel.h"
 
+namespace ostrel {
+namespace objects {
 namespace {
 
 // The diagonal step length, computed once when the library is loaded.
@@ -18,12 +20,10 @@ const double kStepLength[8] = {g_sqrt2, 1.0, g_sqrt2, 1.0, g_sqrt2, 1.0, g_sqrt2
 
 const unsigned int kRight = 3;
 
-}  // namespace
-
+// FollowContour.
 template <typename T>
-double FollowContour(T *buffer, T *start, int width, int /*height*/, int left, int top,
-                     int regionWidth, int regionHeight, T objectValue, CPoint *points,
-                     int *pointCount) {
+double TraceContour(T *buffer, T *start, int width, int left, int top, int regionWidth,
+                    int regionHeight, T objectValue, CPoint *points, int *pointCount) {
   std::ptrdiff_t offset[8];
   for (int d = 0; d < 8; ++d) offset[d] = static_cast<std::ptrdiff_t>(kDy[d]) * width + kDx[d];
 
@@ -66,13 +66,23 @@ done:
   return length;
 }
 
-template OSTREL_API double FollowContour<unsigned char>(unsigned char *buffer,
-                                                        unsigned char *start, int width,
-                                                        int height, int left, int top,
+}  // namespace
+}  // namespace objects
+}  // namespace ostrel
+
+template <typename T>
+double FollowContour(T *buffer, T *start, int width, int /*height*/, int left, int top,
+                     int regionWidth, int regionHeight, T objectValue, CPoint *points,
+                     int *pointCount) {
+  return ostrel::objects::TraceContour(buffer, start, width, left, top, regionWidth, regionHeight,
+                                       objectValue, points, pointCount);
+}
+
+template OSTREL_API double FollowContour<unsigned char>(unsigned char *buffer, unsigned char *start,
+                                                        int width, int height, int left, int top,
                                                         int regionWidth, int regionHeight,
-                                                        unsigned char objectValue,
-                                                        CPoint *points, int *pointCount);
+                                                        unsigned char objectValue, CPoint *points,
+                                                        int *pointCount);
 template OSTREL_API double FollowContour<int>(int *buffer, int *start, int width, int height,
-                                              int left, int top, int regionWidth,
-                                              int regionHeight, int objectValue, CPoint *points,
-                                              int *pointCount);
+                                              int left, int top, int regionWidth, int regionHeight,
+                                              int objectValue, CPoint *points, int *pointCount);

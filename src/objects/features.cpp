@@ -19,6 +19,8 @@ static_assert(offsetof(SFeature, roundness) == 40, "five doubles");
 static_assert(offsetof(SFeature, histogram) == 48, "the histogram follows the doubles");
 static_assert(offsetof(SFeature, reserved) == 1072, "256 bins before the host's tail");
 
+namespace ostrel {
+namespace objects {
 namespace {
 
 const double kPi = 3.14159265358979323846;
@@ -44,9 +46,7 @@ struct FeatureTables {
 
 FeatureTables g_tables;
 
-bool EscapePressed() {
-  return ostrel::platform::KeyPressed(ostrel::platform::kVirtualKeyEscape);
-}
+bool EscapePressed() { return frame::platform::KeyPressed(frame::platform::kVirtualKeyEscape); }
 
 // Index of an object label from firstLabel: bytes compared as unsigned
 // values, ints in wrapping 32-bit arithmetic.
@@ -119,7 +119,7 @@ int AngleBin(double dx, double dy) {
     return diagonal + 7 * e;
   }
   const double a = ax > ay ? ay / ax : ax / ay;
-  const int step = t.angle[ostrel::TruncToInt32(a * e + 0.5)];
+  const int step = t.angle[frame::TruncToInt32(a * e + 0.5)];
   if (ax > ay) {  // flat octants
     if (right && below) return step;
     if (below) return 4 * e - step;
@@ -156,11 +156,11 @@ double HeaviestDirection() {
 // origin shifts them by left and top; hosts' results depend on that too.
 // Returns false on Escape.
 template <class T>
-bool MeasureOrientations(const T *labels, int width, const ostrel::objects::ClampedRegion &r,
+bool MeasureOrientations(const char *function, const T *labels, int width, const ClampedRegion &r,
                          T firstLabel, int objectCount, SFeature *features) {
   FeatureTables &t = g_tables;
-  OSTREL_EXPECT("MultiObjectFeatureExtract", t.accumulator != nullptr && t.n > 0);
-  if (t.accumulator == nullptr || t.n <= 0) ostrel::platform::RaiseIntegerDivideFault();
+  OSTREL_EXPECT(function, t.accumulator != nullptr && t.n > 0);
+  if (t.accumulator == nullptr || t.n <= 0) frame::platform::RaiseIntegerDivideFault();
   for (int k = 0; k < objectCount; ++k) {
     if (EscapePressed()) return false;
     for (int b = 0; b <= t.n; ++b) t.accumulator[b] = 0.0;
@@ -183,15 +183,14 @@ bool MeasureOrientations(const T *labels, int width, const ostrel::objects::Clam
   return true;
 }
 
-}  // namespace
-
-int InitFeatureTables(int marker, double angleSteps) {
+// InitFeatureTables.
+int BuildFeatureTables(int marker, double angleSteps) {
   FeatureTables &t = g_tables;
   if (t.marker != 0) return -1;
   t.marker = marker;
-  t.n = ostrel::TruncToInt32(angleSteps + 0.5);
+  t.n = frame::TruncToInt32(angleSteps + 0.5);
   t.scale = angleSteps / (2.0 * kPi);
-  t.e = ostrel::TruncToInt32(t.n * 0.125);
+  t.e = frame::TruncToInt32(t.n * 0.125);
   t.Free();
   if (t.e >= 0 && t.n >= 0) {
     t.angle = new (std::nothrow) int[static_cast<std::size_t>(t.e) + 1];
@@ -206,12 +205,13 @@ int InitFeatureTables(int marker, double angleSteps) {
     return -1;
   }
   for (int i = 0; i <= t.e; ++i) {
-    t.angle[i] = ostrel::TruncToInt32(std::atan(static_cast<double>(i) / t.e) * t.scale + 0.5);
+    t.angle[i] = frame::TruncToInt32(std::atan(static_cast<double>(i) / t.e) * t.scale + 0.5);
   }
   return 0;
 }
 
-int ReleaseFeatureTables() {
+// ReleaseFeatureTables.
+int FreeFeatureTables() {
   FeatureTables &t = g_tables;
   t.Free();
   t.n = 0;
@@ -221,16 +221,15 @@ int ReleaseFeatureTables() {
   return 0;
 }
 
+// MultiObjectFeatureExtract.
 template <typename T>
-int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int top,
-                              int regionWidth, int regionHeight, T *values, T firstLabel,
-                              int objectCount, SFeature *features, EFeaturesNeeded needed,
-                              unsigned char *aborted) {
+int ExtractFeatures(const char *function, T *labels, int width, int height, int left, int top,
+                    int regionWidth, int regionHeight, T *values, T firstLabel, int objectCount,
+                    SFeature *features, EFeaturesNeeded needed, unsigned char *aborted) {
   *aborted = 0;
   if (features == nullptr) return -1;
   if (objectCount <= 0) return 0;
-  const ostrel::objects::ClampedRegion r =
-      ostrel::objects::ClampRegion(width, height, left, top, regionWidth, regionHeight);
+  const ClampedRegion r = ClampRegion(width, height, left, top, regionWidth, regionHeight);
   const bool basic = (needed & eFeatureBasic) != 0;
   const bool centroid = basic && (needed & eFeatureCentroid) != 0;
   const bool orientation = centroid && (needed & eFeatureOrientation) != 0;
@@ -262,9 +261,9 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
       if (histogram) ++features[k].histogram[v[c]];
       if (!tmp.done[k]) {
         // The object's first pixel in raster order starts its contour.
-        features[k].perimeter = FollowContour(labels, p + c, width, height, r.left, r.top, r.width,
-                                              r.height, ObjectLabel(k, firstLabel), nullptr,
-                                              nullptr);
+        features[k].perimeter =
+            FollowContour(labels, p + c, width, height, r.left, r.top, r.width, r.height,
+                          ObjectLabel(k, firstLabel), nullptr, nullptr);
         tmp.done[k] = 1;
       }
       ++tmp.counter[k];
@@ -288,7 +287,7 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
   }
 
   if (orientation) {
-    if (!MeasureOrientations(labels, width, r, firstLabel, objectCount, features)) {
+    if (!MeasureOrientations(function, labels, width, r, firstLabel, objectCount, features)) {
       *aborted = 1;
       return -1;
     }
@@ -296,6 +295,25 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
     for (int k = 0; k < objectCount; ++k) features[k].orientation = 0.0;
   }
   return 0;
+}
+
+}  // namespace
+}  // namespace objects
+}  // namespace ostrel
+
+int InitFeatureTables(int marker, double angleSteps) {
+  return ostrel::objects::BuildFeatureTables(marker, angleSteps);
+}
+
+int ReleaseFeatureTables() { return ostrel::objects::FreeFeatureTables(); }
+
+template <typename T>
+int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int top, int regionWidth,
+                              int regionHeight, T *values, T firstLabel, int objectCount,
+                              SFeature *features, EFeaturesNeeded needed, unsigned char *aborted) {
+  return ostrel::objects::ExtractFeatures(__func__, labels, width, height, left, top, regionWidth,
+                                          regionHeight, values, firstLabel, objectCount, features,
+                                          needed, aborted);
 }
 
 float GetInterpolatedOverlayFactor(int value, double *table, int count) {
@@ -319,10 +337,8 @@ template OSTREL_API int MultiObjectFeatureExtract<unsigned char>(
     unsigned char *labels, int width, int height, int left, int top, int regionWidth,
     int regionHeight, unsigned char *values, unsigned char firstLabel, int objectCount,
     SFeature *features, EFeaturesNeeded needed, unsigned char *aborted);
-template OSTREL_API int MultiObjectFeatureExtract<int>(int *labels, int width, int height,
-                                                       int left, int top, int regionWidth,
-                                                       int regionHeight, int *values,
-                                                       int firstLabel, int objectCount,
-                                                       SFeature *features,
-                                                       EFeaturesNeeded needed,
+template OSTREL_API int MultiObjectFeatureExtract<int>(int *labels, int width, int height, int left,
+                                                       int top, int regionWidth, int regionHeight,
+                                                       int *values, int firstLabel, int objectCount,
+                                                       SFeature *features, EFeaturesNeeded needed,
                                                        unsigned char *aborted);

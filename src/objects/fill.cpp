@@ -3,13 +3,9 @@
 #include "frame/checked.h"
 #include "objects/objects.h"
 
+namespace ostrel {
+namespace objects {
 namespace {
-
-using ostrel::objects::ClampedRegion;
-using ostrel::objects::ClampInt;
-using ostrel::objects::ClampRegion;
-using ostrel::objects::FillEngine;
-using ostrel::objects::FillLimits;
 
 // The label after label, one up or down: modulo 256 for bytes, modulo 2^32
 // for ints.
@@ -21,11 +17,11 @@ int StepLabel(int label, bool ascending) {
   return static_cast<int>(ascending ? u + 1u : u - 1u);
 }
 
-}  // namespace
-
+// Fill.
 template <typename T>
-int Fill(T *buffer, int width, int height, int seedX, int seedY, int left, int top,
-         int regionWidth, int regionHeight, T fillValue, int *changedCount) {
+int FillFromSeed(const char *function, T *buffer, int width, int height, int seedX, int seedY,
+                 int left, int top, int regionWidth, int regionHeight, T fillValue,
+                 int *changedCount) {
   // The seed moves into the buffer, not into the region.
   if (seedX < 0 || seedX > width - 1) seedX = seedX < 0 ? 0 : width - 1;
   if (seedY < 0 || seedY > height - 1) seedY = seedY < 0 ? 0 : height - 1;
@@ -38,7 +34,7 @@ int Fill(T *buffer, int width, int height, int seedX, int seedY, int left, int t
   const T target = buffer[static_cast<std::ptrdiff_t>(seedY) * width + seedX];
   if (changedCount != nullptr) *changedCount = 1;
   // Filling a region with its own value would change nothing.
-  OSTREL_EXPECT("Fill", fillValue != target);
+  OSTREL_EXPECT(function, fillValue != target);
   if (fillValue == target) return 0;
 
   FillEngine<T> engine;
@@ -47,10 +43,11 @@ int Fill(T *buffer, int width, int height, int seedX, int seedY, int left, int t
   return 0;
 }
 
+// ColorBinaryObjects.
 template <typename T>
-int ColorBinaryObjects(T *buffer, int width, int height, int left, int top, int regionWidth,
-                       int regionHeight, T backgroundValue, T objectValue, T firstLabel,
-                       bool ascending, int endLabel) {
+int LabelObjects(T *buffer, int width, int height, int left, int top, int regionWidth,
+                 int regionHeight, T backgroundValue, T objectValue, T firstLabel, bool ascending,
+                 int endLabel) {
   const ClampedRegion r = ClampRegion(width, height, left, top, regionWidth, regionHeight);
   if (r.height < 1) return 0;
   // Fill's inclusive limits for this region: one column and one row beyond
@@ -84,19 +81,38 @@ int ColorBinaryObjects(T *buffer, int width, int height, int left, int top, int 
   return count;
 }
 
+}  // namespace
+}  // namespace objects
+}  // namespace ostrel
+
+template <typename T>
+int Fill(T *buffer, int width, int height, int seedX, int seedY, int left, int top, int regionWidth,
+         int regionHeight, T fillValue, int *changedCount) {
+  return ostrel::objects::FillFromSeed(__func__, buffer, width, height, seedX, seedY, left, top,
+                                       regionWidth, regionHeight, fillValue, changedCount);
+}
+
+template <typename T>
+int ColorBinaryObjects(T *buffer, int width, int height, int left, int top, int regionWidth,
+                       int regionHeight, T backgroundValue, T objectValue, T firstLabel,
+                       bool ascending, int endLabel) {
+  return ostrel::objects::LabelObjects(buffer, width, height, left, top, regionWidth, regionHeight,
+                                       backgroundValue, objectValue, firstLabel, ascending,
+                                       endLabel);
+}
+
 template OSTREL_API int Fill<unsigned char>(unsigned char *buffer, int width, int height, int seedX,
-                                 int seedY, int left, int top, int regionWidth, int regionHeight,
-                                 unsigned char fillValue, int *changedCount);
-template OSTREL_API int Fill<int>(int *buffer, int width, int height, int seedX, int seedY, int left,
-                       int top, int regionWidth, int regionHeight, int fillValue,
-                       int *changedCount);
-template OSTREL_API int ColorBinaryObjects<unsigned char>(unsigned char *buffer, int width, int height,
-                                               int left, int top, int regionWidth,
-                                               int regionHeight, unsigned char backgroundValue,
-                                               unsigned char objectValue,
-                                               unsigned char firstLabel, bool ascending,
-                                               int endLabel);
-template OSTREL_API int ColorBinaryObjects<int>(int *buffer, int width, int height, int left, int top,
-                                     int regionWidth, int regionHeight, int backgroundValue,
-                                     int objectValue, int firstLabel, bool ascending,
-                                     int endLabel);
+                                            int seedY, int left, int top, int regionWidth,
+                                            int regionHeight, unsigned char fillValue,
+                                            int *changedCount);
+template OSTREL_API int Fill<int>(int *buffer, int width, int height, int seedX, int seedY,
+                                  int left, int top, int regionWidth, int regionHeight,
+                                  int fillValue, int *changedCount);
+template OSTREL_API int ColorBinaryObjects<unsigned char>(
+    unsigned char *buffer, int width, int height, int left, int top, int regionWidth,
+    int regionHeight, unsigned char backgroundValue, unsigned char objectValue,
+    unsigned char firstLabel, bool ascending, int endLabel);
+template OSTREL_API int ColorBinaryObjects<int>(int *buffer, int width, int height, int left,
+                                                int top, int regionWidth, int regionHeight,
+                                                int backgroundValue, int objectValue,
+                                                int firstLabel, bool ascending, int endLabel);

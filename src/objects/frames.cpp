@@ -6,14 +6,16 @@
 #include "Ostrel.h"
 #include "frame/numeric.h"
 
+namespace ostrel {
+namespace objects {
 namespace {
 
 // Calls update(pixel, d) for every destination pixel round centre whose
 // table distance d is at most frameWidth; with frameWidth 1 for the whole
 // 3 x 3 square, whatever the table holds.
 template <class Update>
-void ForEachFramePixel(unsigned char *centre, unsigned int stride, const int *table,
-                       unsigned int R, unsigned int frameWidth, Update update) {
+void ForEachFramePixel(unsigned char *centre, unsigned int stride, const int *table, unsigned int R,
+                       unsigned int frameWidth, Update update) {
   const int fw = static_cast<int>(frameWidth);
   const std::ptrdiff_t side = 2 * static_cast<std::ptrdiff_t>(R) + 1;
   const int *tableCentre = table + static_cast<std::ptrdiff_t>(R) * side + R;
@@ -49,6 +51,8 @@ void ForEachBoundaryPixel(const unsigned char *src, unsigned int width, unsigned
 }
 
 }  // namespace
+}  // namespace objects
+}  // namespace ostrel
 
 int *CreateDistTableForSoftFrame(unsigned int R) {
   const std::size_t side = 2 * static_cast<std::size_t>(R) + 1;
@@ -57,8 +61,8 @@ int *CreateDistTableForSoftFrame(unsigned int R) {
   int *entry = table;
   for (long long dy = -r; dy <= r; ++dy) {
     for (long long dx = -r; dx <= r; ++dx) {
-      *entry++ = ostrel::TruncToInt32(
-          std::sqrt(static_cast<double>(dx * dx + dy * dy)) + 0.5);
+      *entry++ =
+          ostrel::frame::TruncToInt32(std::sqrt(static_cast<double>(dx * dx + dy * dy)) + 0.5);
     }
   }
   return table;
@@ -68,32 +72,34 @@ void SoftFrameL08toL08(unsigned char *src, unsigned char *dst, unsigned int widt
                        unsigned int height, int *distTable, unsigned int R,
                        unsigned int frameWidth) {
   const int fw = static_cast<int>(frameWidth);
-  ForEachBoundaryPixel(src, width, height, frameWidth, false, [&](std::size_t i) {
+  ostrel::objects::ForEachBoundaryPixel(src, width, height, frameWidth, false, [&](std::size_t i) {
     const int s = src[i];
-    ForEachFramePixel(dst + i, width, distTable, R, frameWidth, [&](unsigned char &t, int d) {
-      // Only the low 8 bits are kept: at distance 0 the value can pass 255.
-      const unsigned char v = static_cast<unsigned char>(((fw + 1 - d) * s) / fw);
-      if (v > t) t = v;
-    });
+    ostrel::objects::ForEachFramePixel(
+        dst + i, width, distTable, R, frameWidth, [&](unsigned char &t, int d) {
+          // Only the low 8 bits are kept: at distance 0 the value can pass 255.
+          const unsigned char v = static_cast<unsigned char>(((fw + 1 - d) * s) / fw);
+          if (v > t) t = v;
+        });
   });
 }
 
 void HardFrameL08toL08(unsigned char *src, unsigned char *dst, unsigned int width,
-                       unsigned int height, int *distTable, unsigned int R,
-                       unsigned int frameWidth, bool fullValue) {
-  ForEachBoundaryPixel(src, width, height, frameWidth, false, [&](std::size_t i) {
+                       unsigned int height, int *distTable, unsigned int R, unsigned int frameWidth,
+                       bool fullValue) {
+  ostrel::objects::ForEachBoundaryPixel(src, width, height, frameWidth, false, [&](std::size_t i) {
     const unsigned char v = fullValue ? 255 : src[i];
-    ForEachFramePixel(dst + i, width, distTable, R, frameWidth, [v](unsigned char &t, int) {
-      if (v > t) t = v;
-    });
+    ostrel::objects::ForEachFramePixel(dst + i, width, distTable, R, frameWidth,
+                                       [v](unsigned char &t, int) {
+                                         if (v > t) t = v;
+                                       });
   });
 }
 
 void HardFrameDownL08toL08(unsigned char *src, unsigned char *dst, unsigned int width,
                            unsigned int height, int *distTable, unsigned int R,
                            unsigned int frameWidth) {
-  ForEachBoundaryPixel(src, width, height, frameWidth, true, [&](std::size_t i) {
-    ForEachFramePixel(dst + i, width, distTable, R, frameWidth,
-                      [](unsigned char &t, int) { t = 0; });
+  ostrel::objects::ForEachBoundaryPixel(src, width, height, frameWidth, true, [&](std::size_t i) {
+    ostrel::objects::ForEachFramePixel(dst + i, width, distTable, R, frameWidth,
+                                       [](unsigned char &t, int) { t = 0; });
   });
 }

@@ -35,12 +35,12 @@ std::uint32_t RunningProduct(std::uint64_t first, std::uint64_t last) {
 
 // The repeat index of GetRapport and SetInRappAndCalcRapp.
 std::int32_t RepeatIndex(const char *function, double position, double repeatSize, double epsilon) {
-  const std::int32_t wholeRepeatSize = TruncToInt32(repeatSize);
+  const std::int32_t wholeRepeatSize = frame::TruncToInt32(repeatSize);
   OSTREL_EXPECT(function, wholeRepeatSize != 0);
-  if (position >= 0) return Quot(TruncToInt32(position), wholeRepeatSize);
+  if (position >= 0) return Quot(frame::TruncToInt32(position), wholeRepeatSize);
   // Negative (and NaN) positions.
-  const std::int32_t k =
-      epsilon < 1 ? TruncToInt32(-position - epsilon) : Sub(-1, TruncToInt32(position));
+  const std::int32_t k = epsilon < 1 ? frame::TruncToInt32(-position - epsilon)
+                                     : Sub(-1, frame::TruncToInt32(position));
   return Sub(-1, Quot(k, wholeRepeatSize));
 }
 
@@ -51,26 +51,15 @@ bool WithinTolerance(std::uint32_t difference, std::uint32_t n) {
   return magnitude <= n;
 }
 
-}  // namespace
-}  // namespace repeat
-}  // namespace ostrel
-
-using namespace ostrel::repeat;
-
-int ggT(int a, int b) {
-  OSTREL_EXPECT("ggT", b != 0);
-  return Euclid(a, b);
-}
-
-int kgV(int a, int b) {
-  OSTREL_EXPECT("kgV", b != 0);
+// kgV: the product wraps before the division.
+std::int32_t LeastCommonMultiple(std::int32_t a, std::int32_t b) {
   const std::int32_t divisor = Euclid(a, b);
   return Quot(Mul(a, b), divisor);
 }
 
-unsigned int Fakultaet(unsigned int n) { return RunningProduct(2, n); }
-
-unsigned int NUeberK(unsigned int n, unsigned int k) {
+// NUeberK: n <= k gives 1; otherwise the product of the factors above
+// max(k, n - k), divided by the factorial of the other.
+std::uint32_t Binomial(const char *function, std::uint32_t n, std::uint32_t k) {
   if (n <= k) return 1;
   const std::uint32_t d = n - k;
   std::uint32_t product, divisor;
@@ -81,39 +70,43 @@ unsigned int NUeberK(unsigned int n, unsigned int k) {
     product = RunningProduct(std::uint64_t{k} + 1, n);
     divisor = RunningProduct(2, d);  // d!
   }
-  OSTREL_EXPECT("NUeberK", divisor != 0);
+  OSTREL_EXPECT(function, divisor != 0);
   return product / Divisor(divisor);
 }
 
-int GetRapport(double position, double repeatSize, double epsilon) {
-  return RepeatIndex("GetRapport", position, repeatSize, epsilon);
-}
-
-int SetInRappAndCalcRapp(double position, double repeatSize, double epsilon, int *repeatIndex) {
-  const std::int32_t q = RepeatIndex("SetInRappAndCalcRapp", position, repeatSize, epsilon);
+// SetInRappAndCalcRapp: the index from the truncated size, the rest from the
+// exact one.
+std::int32_t PositionInRepeat(const char *function, double position, double repeatSize,
+                              double epsilon, std::int32_t *repeatIndex) {
+  const std::int32_t q = RepeatIndex(function, position, repeatSize, epsilon);
   *repeatIndex = q;
   const double r = position - q * repeatSize;
   if (r == repeatSize) return 0;
-  return ostrel::TruncToInt32(r);
+  return frame::TruncToInt32(r);
 }
 
-int CalcNrOfHDropRepeats(unsigned int repeatLength, unsigned int drop) {
+// CalcNrOfHDropRepeats.
+std::int32_t RepeatsUntilDropReturns(std::uint32_t repeatLength, std::uint32_t drop) {
   if (drop == 0) return 1;
   if (drop <= repeatLength / 2) {
     for (std::uint32_t n = 2; n <= 20; ++n) {
-      if (WithinTolerance(n * drop - repeatLength, n)) return static_cast<int>(n);
+      if (WithinTolerance(n * drop - repeatLength, n)) return static_cast<std::int32_t>(n);
     }
   } else {
     // The same test on the complementary drop repeatLength - drop.
     for (std::uint32_t n = 2; n <= 20; ++n) {
-      if (WithinTolerance((n - 1) * repeatLength - n * drop, n)) return static_cast<int>(n);
+      if (WithinTolerance((n - 1) * repeatLength - n * drop, n)) {
+        return static_cast<std::int32_t>(n);
+      }
     }
   }
   return -1;
 }
 
-void CalcParts(int period1, int position1, int period2, int position2, int length, int *partCount,
-               int *parts) {
+// CalcParts: the run split at the seams of two layouts.
+void SplitAtTwoSeams(std::int32_t period1, std::int32_t position1, std::int32_t period2,
+                     std::int32_t position2, std::int32_t length, std::int32_t *partCount,
+                     std::int32_t *parts) {
   const std::int32_t m1 = period1 == 0 ? 0 : FloorMod(position1, period1);
   const std::int32_t m2 = period2 == 0 ? 0 : FloorMod(position2, period2);
   const std::int32_t toSeam1 = Sub(period1, m1);  // pixels up to the first layout's seam
@@ -146,13 +139,15 @@ void CalcParts(int period1, int position1, int period2, int position2, int lengt
   }
 }
 
-void CalcParts2(int period, int position, int length, int *partCount, int *parts) {
+// CalcParts2: the run split at every seam of one layout.
+void SplitAtEverySeam(const char *function, std::int32_t period, std::int32_t position,
+                      std::int32_t length, std::int32_t *partCount, std::int32_t *parts) {
   if (period == 0) {
     *partCount = 0;
     parts[0] = length;  // written although the count says none
     return;
   }
-  OSTREL_EXPECT("CalcParts2", period > 0);
+  OSTREL_EXPECT(function, period > 0);
   const std::int32_t m = FloorMod(position, period);
   if (Add(m, length) <= period) {
     *partCount = 1;
@@ -170,4 +165,45 @@ void CalcParts2(int period, int position, int length, int *partCount, int *parts
     parts[std::int64_t{q} + 1] = r;  // 0 when the rest is a multiple of the period
     *partCount = Add(2, q);
   }
+}
+
+}  // namespace
+}  // namespace repeat
+}  // namespace ostrel
+
+int ggT(int a, int b) {
+  OSTREL_EXPECT(__func__, b != 0);
+  return ostrel::repeat::Euclid(a, b);
+}
+
+int kgV(int a, int b) {
+  OSTREL_EXPECT(__func__, b != 0);
+  return ostrel::repeat::LeastCommonMultiple(a, b);
+}
+
+unsigned int Fakultaet(unsigned int n) { return ostrel::repeat::RunningProduct(2, n); }
+
+unsigned int NUeberK(unsigned int n, unsigned int k) {
+  return ostrel::repeat::Binomial(__func__, n, k);
+}
+
+int GetRapport(double position, double repeatSize, double epsilon) {
+  return ostrel::repeat::RepeatIndex(__func__, position, repeatSize, epsilon);
+}
+
+int SetInRappAndCalcRapp(double position, double repeatSize, double epsilon, int *repeatIndex) {
+  return ostrel::repeat::PositionInRepeat(__func__, position, repeatSize, epsilon, repeatIndex);
+}
+
+int CalcNrOfHDropRepeats(unsigned int repeatLength, unsigned int drop) {
+  return ostrel::repeat::RepeatsUntilDropReturns(repeatLength, drop);
+}
+
+void CalcParts(int period1, int position1, int period2, int position2, int length, int *partCount,
+               int *parts) {
+  ostrel::repeat::SplitAtTwoSeams(period1, position1, period2, position2, length, partCount, parts);
+}
+
+void CalcParts2(int period, int position, int length, int *partCount, int *parts) {
+  ostrel::repeat::SplitAtEverySeam(__func__, period, position, length, partCount, parts);
 }

@@ -23,7 +23,7 @@ bool Converts(std::int32_t dropKind) {
 // A repeat size in view pixels: trunc(size * zoom), the size taken as an
 // unsigned value.
 std::int32_t ViewRepeatSize(std::uint32_t repeatSize, double zoom) {
-  return TruncToInt32(static_cast<double>(repeatSize) * zoom);
+  return frame::TruncToInt32(static_cast<double>(repeatSize) * zoom);
 }
 
 // The drop of n repeats, as VPToFP subtracts it: n * drop in 32 bits.
@@ -56,8 +56,8 @@ void ViewToFile(const char *function, std::int32_t vx, std::int32_t vy, std::int
   }
   OSTREL_EXPECT(function, viewRepeatWidth != 0);
   OSTREL_EXPECT(function, viewRepeatHeight != 0);
-  const std::int32_t ix = TruncToInt32(FloorMod(vx, viewRepeatWidth) / zoomX);
-  const std::int32_t iy = TruncToInt32(FloorMod(vy, viewRepeatHeight) / zoomY);
+  const std::int32_t ix = frame::TruncToInt32(FloorMod(vx, viewRepeatWidth) / zoomX);
+  const std::int32_t iy = frame::TruncToInt32(FloorMod(vy, viewRepeatHeight) / zoomY);
   const std::int32_t width = Signed(repeatWidth), height = Signed(repeatHeight);
   if (!foldIntoRepeat) {
     *fx = Add(ix, Mul(repeatX, width));
@@ -87,22 +87,23 @@ class ScreenMapping {
         windowHeight_(windowHeight),
         // The snap: right by trunc(zoom / 2 + 0.5), up by trunc(zoom / 2 - 0.5),
         // unequal on purpose.
-        snapX_(zoomX > 1 && snap != 0 ? TruncToInt32(zoomX * 0.5 + 0.5) : 0),
-        snapY_(zoomY > 1 && snap != 0 ? TruncToInt32(zoomY * 0.5 - 0.5) : 0),
+        snapX_(zoomX > 1 && snap != 0 ? frame::TruncToInt32(zoomX * 0.5 + 0.5) : 0),
+        snapY_(zoomY > 1 && snap != 0 ? frame::TruncToInt32(zoomY * 0.5 - 0.5) : 0),
         bottomUp_(bottomUp) {}
 
   const std::int32_t viewRepeatWidth;
   const std::int32_t viewRepeatHeight;
 
   // sx from the view x: the scroll is subtracted before the truncation.
-  std::int32_t X(double viewX) const { return Add(TruncToInt32(viewX - scrollX_), snapX_); }
+  std::int32_t X(double viewX) const { return Add(frame::TruncToInt32(viewX - scrollX_), snapX_); }
 
   // sy from the view y, through t = viewY - scrollY: bottom-up through a
   // 64-bit truncation of which the low 32 bits count; the snap goes up in
   // both orientations.
   std::int32_t Y(double viewY) const {
     const double t = viewY - scrollY_;
-    const std::uint32_t y = bottomUp_ ? windowHeight_ - TruncLow32(t) - 1 : Bits(TruncToInt32(t));
+    const std::uint32_t y =
+        bottomUp_ ? windowHeight_ - TruncLow32(t) - 1 : Bits(frame::TruncToInt32(t));
     return Signed(y - Bits(snapY_));
   }
 
@@ -159,31 +160,11 @@ void MillimetresToScreen(const ScreenMapping &map, double mmX, double mmY,
   *sy = map.Y(remainderY * zoomY + Mul(repeatY, map.viewRepeatHeight));
 }
 
-}  // namespace
-}  // namespace repeat
-}  // namespace ostrel
-
-using namespace ostrel::repeat;
-using ostrel::TruncToInt32;
-
-void VPToFP(int vx, int vy, int *fx, int *fy, unsigned int repeatWidth, unsigned int repeatHeight,
-            unsigned int drop, _EDropKind dropKind, double zoomX, double zoomY,
-            bool foldIntoRepeat) {
-  ViewToFile("VPToFP", vx, vy, fx, fy, repeatWidth, repeatHeight, IntegerDropTerm{drop},
-             IntegerDropTerm{drop}, dropKind, zoomX, zoomY, foldIntoRepeat);
-}
-
-void VPToFPDb(int vx, int vy, int *fx, int *fy, unsigned int repeatWidth, unsigned int repeatHeight,
-              double dropRatio, double repeatWidthExact, double repeatHeightExact,
-              _EDropKind dropKind, double zoomX, double zoomY, bool foldIntoRepeat) {
-  ViewToFile("VPToFPDb", vx, vy, fx, fy, repeatWidth, repeatHeight,
-             RoundedDropTerm{dropRatio, repeatHeightExact},
-             RoundedDropTerm{dropRatio, repeatWidthExact}, dropKind, zoomX, zoomY, foldIntoRepeat);
-}
-
-void FPToVP(int fx, int fy, int *vx, int *vy, unsigned int repeatWidth, unsigned int repeatHeight,
-            unsigned int drop, _EDropKind dropKind, double zoomX, double zoomY,
-            bool foldIntoRepeat) {
+// FPToVP.
+void FileToView(const char *function, std::int32_t fx, std::int32_t fy, std::int32_t *vx,
+                std::int32_t *vy, std::uint32_t repeatWidth, std::uint32_t repeatHeight,
+                std::uint32_t drop, std::int32_t dropKind, double zoomX, double zoomY,
+                bool foldIntoRepeat) {
   const std::int32_t viewRepeatWidth = ViewRepeatSize(repeatWidth, zoomX);
   const std::int32_t viewRepeatHeight = ViewRepeatSize(repeatHeight, zoomY);
   const std::int32_t repeatX = FloorDiv(fx, repeatWidth);
@@ -193,50 +174,79 @@ void FPToVP(int fx, int fy, int *vx, int *vy, unsigned int repeatWidth, unsigned
     *vy = 0;
     return;
   }
-  OSTREL_EXPECT("FPToVP", repeatWidth != 0);
-  OSTREL_EXPECT("FPToVP", repeatHeight != 0);
+  OSTREL_EXPECT(function, repeatWidth != 0);
+  OSTREL_EXPECT(function, repeatHeight != 0);
   const double insideX = FloorMod(fx, repeatWidth);  // fx mod repeatWidth
   const double insideY = FloorMod(fy, repeatHeight);
   if (!foldIntoRepeat) {
-    *vx = TruncToInt32(zoomX * insideX + Mul(repeatX, viewRepeatWidth));
-    *vy = TruncToInt32(zoomY * insideY + Mul(repeatY, viewRepeatHeight));
+    *vx = frame::TruncToInt32(zoomX * insideX + Mul(repeatX, viewRepeatWidth));
+    *vy = frame::TruncToInt32(zoomY * insideY + Mul(repeatY, viewRepeatHeight));
   } else if (dropKind == kDropVertical) {
-    OSTREL_EXPECT("FPToVP", viewRepeatHeight != 0);
-    *vx = TruncToInt32(zoomX * insideX);
-    *vy = FloorMod(
-        TruncToInt32(Mul(repeatY, viewRepeatHeight) + insideY * zoomY - zoomY * drop * repeatX),
-        viewRepeatHeight);
+    OSTREL_EXPECT(function, viewRepeatHeight != 0);
+    *vx = frame::TruncToInt32(zoomX * insideX);
+    *vy = FloorMod(frame::TruncToInt32(Mul(repeatY, viewRepeatHeight) + insideY * zoomY -
+                                       zoomY * drop * repeatX),
+                   viewRepeatHeight);
   } else {
-    OSTREL_EXPECT("FPToVP", viewRepeatWidth != 0);
-    *vx = FloorMod(
-        TruncToInt32(Mul(repeatX, viewRepeatWidth) + insideX * zoomX - zoomX * drop * repeatY),
-        viewRepeatWidth);
-    *vy = TruncToInt32(zoomY * insideY);
+    OSTREL_EXPECT(function, viewRepeatWidth != 0);
+    *vx = FloorMod(frame::TruncToInt32(Mul(repeatX, viewRepeatWidth) + insideX * zoomX -
+                                       zoomX * drop * repeatY),
+                   viewRepeatWidth);
+    *vy = frame::TruncToInt32(zoomY * insideY);
   }
+}
+
+}  // namespace
+}  // namespace repeat
+}  // namespace ostrel
+
+void VPToFP(int vx, int vy, int *fx, int *fy, unsigned int repeatWidth, unsigned int repeatHeight,
+            unsigned int drop, _EDropKind dropKind, double zoomX, double zoomY,
+            bool foldIntoRepeat) {
+  const ostrel::repeat::IntegerDropTerm term{drop};
+  ostrel::repeat::ViewToFile(__func__, vx, vy, fx, fy, repeatWidth, repeatHeight, term, term,
+                             dropKind, zoomX, zoomY, foldIntoRepeat);
+}
+
+void VPToFPDb(int vx, int vy, int *fx, int *fy, unsigned int repeatWidth, unsigned int repeatHeight,
+              double dropRatio, double repeatWidthExact, double repeatHeightExact,
+              _EDropKind dropKind, double zoomX, double zoomY, bool foldIntoRepeat) {
+  ostrel::repeat::ViewToFile(__func__, vx, vy, fx, fy, repeatWidth, repeatHeight,
+                             ostrel::repeat::RoundedDropTerm{dropRatio, repeatHeightExact},
+                             ostrel::repeat::RoundedDropTerm{dropRatio, repeatWidthExact}, dropKind,
+                             zoomX, zoomY, foldIntoRepeat);
+}
+
+void FPToVP(int fx, int fy, int *vx, int *vy, unsigned int repeatWidth, unsigned int repeatHeight,
+            unsigned int drop, _EDropKind dropKind, double zoomX, double zoomY,
+            bool foldIntoRepeat) {
+  ostrel::repeat::FileToView(__func__, fx, fy, vx, vy, repeatWidth, repeatHeight, drop, dropKind,
+                             zoomX, zoomY, foldIntoRepeat);
 }
 
 void FPToSnappedSP(int fx, int fy, int *sx, int *sy, int scrollX, int scrollY,
                    unsigned int windowHeight, unsigned int repeatWidth, unsigned int repeatHeight,
                    unsigned int /*drop*/, _EDropKind dropKind, double zoomX, double zoomY,
                    unsigned char snap, bool bottomUp) {
-  if (!Converts(dropKind)) return;
-  const ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight, zoomX, zoomY,
-                          snap, bottomUp);
-  FileToScreen("FPToSnappedSP", map, fx, fy, repeatWidth, repeatHeight, zoomX, zoomY, sx, sy);
+  if (!ostrel::repeat::Converts(dropKind)) return;
+  const ostrel::repeat::ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight,
+                                          zoomX, zoomY, snap, bottomUp);
+  ostrel::repeat::FileToScreen(__func__, map, fx, fy, repeatWidth, repeatHeight, zoomX, zoomY, sx,
+                               sy);
 }
 
 void FPToSnappedSP(int *fxs, int *fys, int count, int **sxs, int **sys, int scrollX, int scrollY,
                    unsigned int windowHeight, unsigned int repeatWidth, unsigned int repeatHeight,
                    unsigned int /*drop*/, _EDropKind dropKind, double zoomX, double zoomY,
                    unsigned char snap, bool bottomUp) {
-  if (!Converts(dropKind)) return;
-  const ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight, zoomX, zoomY,
-                          snap, bottomUp);
+  if (!ostrel::repeat::Converts(dropKind)) return;
+  const ostrel::repeat::ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight,
+                                          zoomX, zoomY, snap, bottomUp);
   int *const outX = *sxs;
   int *const outY = *sys;
   for (int i = 0; i < count; ++i) {
-    FileToScreen("FPToSnappedSP", map, fxs[i], fys[i], repeatWidth, repeatHeight, zoomX, zoomY,
-                 &outX[i], &outY[i]);
+    ostrel::repeat::FileToScreen(__func__, map, fxs[i], fys[i], repeatWidth, repeatHeight, zoomX,
+                                 zoomY, &outX[i], &outY[i]);
   }
 }
 
@@ -245,11 +255,11 @@ void MMToSnappedSP(double mmX, double mmY, int *sx, int *sy, int scrollX, int sc
                    unsigned int /*drop*/, _EDropKind dropKind, double resolutionX,
                    double resolutionY, double zoomX, double zoomY, unsigned char snap,
                    bool bottomUp) {
-  if (!Converts(dropKind)) return;
-  const ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight, zoomX, zoomY,
-                          snap, bottomUp);
-  MillimetresToScreen(map, mmX, mmY, repeatWidth, repeatHeight, resolutionX, resolutionY, zoomX,
-                      zoomY, sx, sy);
+  if (!ostrel::repeat::Converts(dropKind)) return;
+  const ostrel::repeat::ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight,
+                                          zoomX, zoomY, snap, bottomUp);
+  ostrel::repeat::MillimetresToScreen(map, mmX, mmY, repeatWidth, repeatHeight, resolutionX,
+                                      resolutionY, zoomX, zoomY, sx, sy);
 }
 
 void MMToSnappedSP(double *mmXs, double *mmYs, int count, int **sxs, int **sys, int scrollX,
@@ -257,13 +267,13 @@ void MMToSnappedSP(double *mmXs, double *mmYs, int count, int **sxs, int **sys, 
                    unsigned int repeatHeight, unsigned int /*drop*/, _EDropKind dropKind,
                    double resolutionX, double resolutionY, double zoomX, double zoomY,
                    unsigned char snap, bool bottomUp) {
-  if (!Converts(dropKind)) return;
-  const ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight, zoomX, zoomY,
-                          snap, bottomUp);
+  if (!ostrel::repeat::Converts(dropKind)) return;
+  const ostrel::repeat::ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight,
+                                          zoomX, zoomY, snap, bottomUp);
   int *const outX = *sxs;
   int *const outY = *sys;
   for (int i = 0; i < count; ++i) {
-    MillimetresToScreen(map, mmXs[i], mmYs[i], repeatWidth, repeatHeight, resolutionX, resolutionY,
-                        zoomX, zoomY, &outX[i], &outY[i]);
+    ostrel::repeat::MillimetresToScreen(map, mmXs[i], mmYs[i], repeatWidth, repeatHeight,
+                                        resolutionX, resolutionY, zoomX, zoomY, &outX[i], &outY[i]);
   }
 }

@@ -53,25 +53,20 @@ bool FitsInTile(std::int32_t x, std::int32_t y, std::uint32_t width, std::uint32
   return Bits(x) + width <= repeatWidth && Bits(y) + height <= repeatHeight;
 }
 
-}  // namespace
-}  // namespace repeat
-}  // namespace ostrel
-
-using namespace ostrel::repeat;
-
-void CalcPosAndSizeInRepBuffer(int x, int y, unsigned int width, unsigned int height,
-                               unsigned int repeatWidth, unsigned int repeatHeight,
-                               _EDropKind dropKind, int drop, int *pieceCount, int *pieceX,
-                               int *pieceWidth, int *pieceY, int *pieceHeight,
-                               bool wholeTileIfLarger) {
+// CalcPosAndSizeInRepBuffer: the pieces of the buffer that show the
+// rectangle, the main piece last.
+void PiecesShowing(const char *function, std::int32_t x, std::int32_t y, std::uint32_t width,
+                   std::uint32_t height, std::uint32_t repeatWidth, std::uint32_t repeatHeight,
+                   std::int32_t dropKind, std::int32_t drop, std::int32_t *pieceCount,
+                   std::int32_t *pieceX, std::int32_t *pieceWidth, std::int32_t *pieceY,
+                   std::int32_t *pieceHeight, bool wholeTileIfLarger) {
   if (dropKind == kDropHorizontal) return;  // not supported: nothing is written
   if (dropKind != kDropVertical) {
     *pieceCount = 0;
     return;
   }
   std::int32_t fx, fy;  // (x', y')
-  FoldIntoRepeat("CalcPosAndSizeInRepBuffer", x, y, repeatWidth, repeatHeight, Bits(drop),
-                 kDropVertical, &fx, &fy);
+  FoldIntoRepeat(function, x, y, repeatWidth, repeatHeight, Bits(drop), kDropVertical, &fx, &fy);
   Pieces pieces(pieceCount, pieceX, pieceWidth, pieceY, pieceHeight);
 
   if (FitsInTile(fx, fy, width, height, repeatWidth, repeatHeight)) {
@@ -114,16 +109,18 @@ void CalcPosAndSizeInRepBuffer(int x, int y, unsigned int width, unsigned int he
                 Min(h, Sub(tileH, fy)));
 }
 
-void CalcPosAndSizeInRepBufferInv(int x, int y, unsigned int width, unsigned int height,
-                                  unsigned int repeatWidth, unsigned int repeatHeight,
-                                  _EDropKind dropKind, int drop, int *pieceCount, int *pieceX,
-                                  int *pieceWidth, int *pieceY, int *pieceHeight) {
+// CalcPosAndSizeInRepBufferInv: the pieces of the buffer that the rectangle
+// does not cover.
+void PiecesUncovered(const char *function, std::int32_t x, std::int32_t y, std::uint32_t width,
+                     std::uint32_t height, std::uint32_t repeatWidth, std::uint32_t repeatHeight,
+                     std::int32_t dropKind, std::int32_t drop, std::int32_t *pieceCount,
+                     std::int32_t *pieceX, std::int32_t *pieceWidth, std::int32_t *pieceY,
+                     std::int32_t *pieceHeight) {
   if (dropKind == kDropHorizontal) return;  // not supported: nothing is written
   if (dropKind != kDropVertical) {
     *pieceCount = 0;
     return;
   }
-  const char *const function = "CalcPosAndSizeInRepBufferInv";
   std::int32_t fx, fy;  // (x', y')
   FoldIntoRepeat(function, x, y, repeatWidth, repeatHeight, Bits(drop), kDropVertical, &fx, &fy);
   Pieces pieces(pieceCount, pieceX, pieceWidth, pieceY, pieceHeight);
@@ -181,10 +178,11 @@ void CalcPosAndSizeInRepBufferInv(int x, int y, unsigned int width, unsigned int
   pieces.Write(0, 0, 0, tileW, tileH);
 }
 
-void AdaptFileSizeToViewSizeForViewSize(unsigned int fileWidth, unsigned int fileHeight,
-                                        unsigned int viewWidth, unsigned int viewHeight,
-                                        double resolutionX, double resolutionY,
-                                        unsigned int *outWidth, unsigned int *outHeight) {
+// AdaptFileSizeToViewSizeForViewSize: a view-sized box with the file's
+// proportions.
+void FitFileIntoView(std::uint32_t fileWidth, std::uint32_t fileHeight, std::uint32_t viewWidth,
+                     std::uint32_t viewHeight, double resolutionX, double resolutionY,
+                     std::uint32_t *outWidth, std::uint32_t *outHeight) {
   const double p = fileWidth / resolutionX;  // the file's physical size
   const double q = fileHeight / resolutionY;
   const double sx = viewWidth / p;
@@ -198,10 +196,11 @@ void AdaptFileSizeToViewSizeForViewSize(unsigned int fileWidth, unsigned int fil
   }
 }
 
-void AdaptFileSizeToFileSizeForViewSize(unsigned int fileWidth, unsigned int fileHeight,
-                                        unsigned int viewWidth, unsigned int viewHeight,
-                                        double resolutionX, double resolutionY,
-                                        unsigned int *outWidth, unsigned int *outHeight) {
+// AdaptFileSizeToFileSizeForViewSize: one file dimension grown to the
+// view's proportions.
+void GrowFileToView(std::uint32_t fileWidth, std::uint32_t fileHeight, std::uint32_t viewWidth,
+                    std::uint32_t viewHeight, double resolutionX, double resolutionY,
+                    std::uint32_t *outWidth, std::uint32_t *outHeight) {
   const double p = fileWidth / resolutionX;
   const double q = fileHeight / resolutionY;
   const double sx = viewWidth / p;
@@ -213,4 +212,43 @@ void AdaptFileSizeToFileSizeForViewSize(unsigned int fileWidth, unsigned int fil
     *outWidth = fileWidth;
     *outHeight = TruncLow32(fileWidth * resolutionY / resolutionX * viewHeight / viewWidth);
   }
+}
+
+}  // namespace
+}  // namespace repeat
+}  // namespace ostrel
+
+void CalcPosAndSizeInRepBuffer(int x, int y, unsigned int width, unsigned int height,
+                               unsigned int repeatWidth, unsigned int repeatHeight,
+                               _EDropKind dropKind, int drop, int *pieceCount, int *pieceX,
+                               int *pieceWidth, int *pieceY, int *pieceHeight,
+                               bool wholeTileIfLarger) {
+  ostrel::repeat::PiecesShowing(__func__, x, y, width, height, repeatWidth, repeatHeight, dropKind,
+                                drop, pieceCount, pieceX, pieceWidth, pieceY, pieceHeight,
+                                wholeTileIfLarger);
+}
+
+void CalcPosAndSizeInRepBufferInv(int x, int y, unsigned int width, unsigned int height,
+                                  unsigned int repeatWidth, unsigned int repeatHeight,
+                                  _EDropKind dropKind, int drop, int *pieceCount, int *pieceX,
+                                  int *pieceWidth, int *pieceY, int *pieceHeight) {
+  ostrel::repeat::PiecesUncovered(__func__, x, y, width, height, repeatWidth, repeatHeight,
+                                  dropKind, drop, pieceCount, pieceX, pieceWidth, pieceY,
+                                  pieceHeight);
+}
+
+void AdaptFileSizeToViewSizeForViewSize(unsigned int fileWidth, unsigned int fileHeight,
+                                        unsigned int viewWidth, unsigned int viewHeight,
+                                        double resolutionX, double resolutionY,
+                                        unsigned int *outWidth, unsigned int *outHeight) {
+  ostrel::repeat::FitFileIntoView(fileWidth, fileHeight, viewWidth, viewHeight, resolutionX,
+                                  resolutionY, outWidth, outHeight);
+}
+
+void AdaptFileSizeToFileSizeForViewSize(unsigned int fileWidth, unsigned int fileHeight,
+                                        unsigned int viewWidth, unsigned int viewHeight,
+                                        double resolutionX, double resolutionY,
+                                        unsigned int *outWidth, unsigned int *outHeight) {
+  ostrel::repeat::GrowFileToView(fileWidth, fileHeight, viewWidth, viewHeight, resolutionX,
+                                 resolutionY, outWidth, outHeight);
 }

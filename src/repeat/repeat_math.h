@@ -34,7 +34,7 @@ constexpr std::int32_t kDropHorizontal = 2;
 // b, as the divisor of an integer division: 0 raises the divide fault.
 template <class Int>
 Int Divisor(Int b) {
-  if (b == 0) platform::RaiseIntegerDivideFault();
+  if (b == 0) frame::platform::RaiseIntegerDivideFault();
   return b;
 }
 
@@ -85,12 +85,12 @@ inline std::int32_t FloorDiv(std::int32_t a, std::uint32_t b) {
 
 // The low 32 bits of a 64-bit truncation.
 inline std::uint32_t TruncLow32(double x) {
-  return static_cast<std::uint32_t>(static_cast<std::uint64_t>(TruncToInt64(x)));
+  return static_cast<std::uint32_t>(static_cast<std::uint64_t>(frame::TruncToInt64(x)));
 }
 
 // Rounding half away from zero, then truncation to 32 bits.
 inline std::int32_t RoundHalfAway(double v) {
-  return v >= 0 ? TruncToInt32(v + 0.5) : TruncToInt32(v - 0.5);
+  return v >= 0 ? frame::TruncToInt32(v + 0.5) : frame::TruncToInt32(v - 0.5);
 }
 
 // Folds (x, y) into the tile exactly as SetInRapp does. function
