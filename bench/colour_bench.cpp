@@ -91,8 +91,8 @@ std::uint32_t ModelPixel(bool exact, std::uint32_t d, std::uint32_t s, std::uint
     const int dc = static_cast<int>(Channel(d, shift)), sc = static_cast<int>(Channel(s, shift));
     const int diff = (sc - dc) * weight;
     // exact: truncated toward zero; fast: floor.
-    const int moved = exact ? diff / 255
-                            : static_cast<int>(std::floor(static_cast<double>(diff) / 256));
+    const int moved =
+        exact ? diff / 255 : static_cast<int>(std::floor(static_cast<double>(diff) / 256));
     out |= static_cast<std::uint32_t>(dc + moved) << shift;
   }
   return out;
@@ -107,9 +107,12 @@ enum class Job { kTrcToTrc, kColourToTrc, kL08ToTrc };
 
 const char *JobName(Job job) {
   switch (job) {
-    case Job::kTrcToTrc: return "AlphaBlendTRCToTRC";
-    case Job::kColourToTrc: return "AlphaBlendColorToTRC";
-    case Job::kL08ToTrc: return "AlphaBlendL08ToTRC";
+    case Job::kTrcToTrc:
+      return "AlphaBlendTRCToTRC";
+    case Job::kColourToTrc:
+      return "AlphaBlendColorToTRC";
+    case Job::kL08ToTrc:
+      return "AlphaBlendL08ToTRC";
   }
   return "";
 }
@@ -171,8 +174,8 @@ void RunOurs(const Images &im, Job job, bool exact) {
       AlphaBlendTRCToTRC(im.Src(), w, h, 0, 0, im.Dst(), w, h, 0, 0, kOpacity, w, h, exact);
       break;
     case Job::kColourToTrc:
-      AlphaBlendColorToTRC(kColour, im.Coverage(), w, h, 0, 0, im.Dst(), w, h, 0, 0, kOpacity, w,
-                           h, exact);
+      AlphaBlendColorToTRC(kColour, im.Coverage(), w, h, 0, 0, im.Dst(), w, h, 0, 0, kOpacity, w, h,
+                           exact);
       break;
     case Job::kL08ToTrc:
       AlphaBlendL08ToTRC(im.Coverage(), w, h, 0, 0, kColour, im.Dst(), w, h, 0, 0, kOpacity, w, h,
@@ -267,7 +270,8 @@ std::string VerifyTraffic(const Images &im, Job job) {
 // ---- Pairs ----------------------------------------------------------------
 
 void AddPairs(const std::shared_ptr<Images> &im, Job job, bool exact) {
-  const std::string label = std::string(JobName(job)) + "/" + im->Size() + (exact ? "/exact" : "/fast");
+  const std::string label =
+      std::string(JobName(job)) + "/" + im->Size() + (exact ? "/exact" : "/fast");
   const bool large = im->Pixels() > 256 * 256;
 
   Pair vsPixman;

@@ -78,8 +78,8 @@ struct Images {
 };
 
 std::string Label(const char *function, const Images &im, const Region &r) {
-  return std::string(function) + "/" + std::to_string(im.width) + "x" +
-         std::to_string(im.height) + "/" + r.name;
+  return std::string(function) + "/" + std::to_string(im.width) + "x" + std::to_string(im.height) +
+         "/" + r.name;
 }
 
 // Offset of the region's row j in a buffer of the image's width.
@@ -141,8 +141,8 @@ void AddKeyedCopy(const std::shared_ptr<Images> &im, const Region &r) {
   Pair p = CopyPair(im, r, "CopyTRCToTRCIfNotKeyColor", im->Src());
   p.label += "/nokey";
   p.ours = [im, r] {
-    CopyTRCToTRCIfNotKeyColor(im->Src(), im->width, im->height, r.left, r.top, im->Dst(),
-                              im->width, im->height, r.left, r.top, r.width, r.height, kKeyColour);
+    CopyTRCToTRCIfNotKeyColor(im->Src(), im->width, im->height, r.left, r.top, im->Dst(), im->width,
+                              im->height, r.left, r.top, r.width, r.height, kKeyColour);
   };
   p.reset = [im] {
     im->ResetSource();
@@ -168,8 +168,8 @@ void AddChessboard(const std::shared_ptr<Images> &im, const Region &r) {
 
 void AddPack24(const std::shared_ptr<Images> &im) {
   Pair p;
-  p.label = "ConvertBufferFrom32To24Bits/" + std::to_string(im->width) + "x" +
-            std::to_string(im->height);
+  p.label =
+      "ConvertBufferFrom32To24Bits/" + std::to_string(im->width) + "x" + std::to_string(im->height);
   p.peerName = "plain-loop";
   p.ours = [im] {
     ConvertBufferFrom32To24Bits(im->Src(), im->Packed(), static_cast<unsigned int>(im->Pixels()));

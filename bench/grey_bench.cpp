@@ -17,9 +17,9 @@
 // Each job has two pairs: ours against the scalar definition ("scalar": the
 // rule written as a plain per-pixel loop, whose bytes must come out the
 // same; the compiler is free to vectorise it, and does for the fast forms,
-// whose shifts it can widen, but not for the exact divisions by 255), and ours against the same-traffic kernel ("/traffic": a loop that
-// reads the job's source bytes and reads and writes each destination byte
-// once, held to its own loop; ours is then held to the scalar definition).
+// whose shifts it can widen, but not for the exact divisions by 255), and ours against the
+// same-traffic kernel ("/traffic": a loop that reads the job's source bytes and reads and writes
+// each destination byte once, held to its own loop; ours is then held to the scalar definition).
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -50,7 +50,8 @@ std::uint8_t Byte(std::uint64_t x) {
 enum class Job { kDensity, kL08ToL08, kApplyAlpha, kLut, kMotionCopy };
 
 struct Images {
-  Images(unsigned int w, unsigned int h) : width(w), height(h), src(Pixels()), alpha(Pixels()), dst(Pixels()) {
+  Images(unsigned int w, unsigned int h)
+      : width(w), height(h), src(Pixels()), alpha(Pixels()), dst(Pixels()) {
     for (int i = 0; i < 256; ++i) table[i] = static_cast<std::uint8_t>(255 - i / 2);
   }
   std::size_t Pixels() const { return static_cast<std::size_t>(width) * height; }
@@ -58,7 +59,9 @@ struct Images {
   std::uint8_t *Alpha() const { return static_cast<std::uint8_t *>(alpha.data()); }
   std::uint8_t *Dst() const { return static_cast<std::uint8_t *>(dst.data()); }
   std::string Size() const { return std::to_string(width) + "x" + std::to_string(height); }
-  static std::uint8_t Start(std::size_t i, int which) { return Byte(i * 3 + static_cast<std::uint64_t>(which)); }
+  static std::uint8_t Start(std::size_t i, int which) {
+    return Byte(i * 3 + static_cast<std::uint64_t>(which));
+  }
   void Reset() const {
     for (std::size_t i = 0; i < Pixels(); ++i) {
       Src()[i] = Start(i, 0);
@@ -73,11 +76,16 @@ struct Images {
 
 const char *JobName(Job job) {
   switch (job) {
-    case Job::kDensity: return "AlphaBlendDensityToL08";
-    case Job::kL08ToL08: return "AlphaBlendL08ToL08";
-    case Job::kApplyAlpha: return "ApplyAlphaToL08";
-    case Job::kLut: return "ApplyLUTToL08";
-    case Job::kMotionCopy: return "MotionCopyL08ToL08";
+    case Job::kDensity:
+      return "AlphaBlendDensityToL08";
+    case Job::kL08ToL08:
+      return "AlphaBlendL08ToL08";
+    case Job::kApplyAlpha:
+      return "ApplyAlphaToL08";
+    case Job::kLut:
+      return "ApplyLUTToL08";
+    case Job::kMotionCopy:
+      return "MotionCopyL08ToL08";
   }
   return "";
 }
@@ -88,10 +96,12 @@ void RunOurs(const Images &im, Job job, bool exact) {
   const unsigned int w = im.width, h = im.height;
   switch (job) {
     case Job::kDensity:
-      AlphaBlendDensityToL08(kDensity, im.Alpha(), w, h, 0, 0, im.Dst(), w, h, 0, 0, kOpacity, w, h, exact);
+      AlphaBlendDensityToL08(kDensity, im.Alpha(), w, h, 0, 0, im.Dst(), w, h, 0, 0, kOpacity, w, h,
+                             exact);
       break;
     case Job::kL08ToL08:
-      AlphaBlendL08ToL08(im.Src(), im.Alpha(), w, h, 0, 0, im.Dst(), w, h, 0, 0, kOpacity, 1, false, w, h, exact);
+      AlphaBlendL08ToL08(im.Src(), im.Alpha(), w, h, 0, 0, im.Dst(), w, h, 0, 0, kOpacity, 1, false,
+                         w, h, exact);
       break;
     case Job::kApplyAlpha:
       ApplyAlphaToL08(im.Dst(), im.Alpha(), w, h, 0, 0, kOpacity, false, w, h, exact);
@@ -100,8 +110,8 @@ void RunOurs(const Images &im, Job job, bool exact) {
       ApplyLUTToL08(im.Dst(), w, h, 0, 0, w, h, const_cast<std::uint8_t *>(im.table));
       break;
     case Job::kMotionCopy:
-      MotionCopyL08ToL08(im.Src(), w, h, 0, 0, im.Alpha(), w, h, 0, 0, im.Dst(), w, h, 0, 0, kOpacity, false, w,
-                         h, eMotionCopyDownRight, exact);
+      MotionCopyL08ToL08(im.Src(), w, h, 0, 0, im.Alpha(), w, h, 0, 0, im.Dst(), w, h, 0, 0,
+                         kOpacity, false, w, h, eMotionCopyDownRight, exact);
       break;
   }
 }
@@ -137,16 +147,21 @@ OSTREL_BENCH_ONE_PIXEL_AT_A_TIME void ScalarLoop(const Images &im) {
   std::uint8_t *const dst = im.Dst();
   const std::uint8_t *const src = im.Src(), *const alpha = im.Alpha(), *const table = im.table;
   const std::size_t n = im.Pixels();
-  for (std::size_t i = 0; i < n; ++i) dst[i] = ScalarPixel(job, exact, table, dst[i], src[i], alpha[i]);
+  for (std::size_t i = 0; i < n; ++i)
+    dst[i] = ScalarPixel(job, exact, table, dst[i], src[i], alpha[i]);
 }
 
 void RunScalar(const Images &im, Job job, bool exact) {
   switch (job) {
-    case Job::kDensity: return exact ? ScalarLoop<Job::kDensity, true>(im) : ScalarLoop<Job::kDensity, false>(im);
+    case Job::kDensity:
+      return exact ? ScalarLoop<Job::kDensity, true>(im) : ScalarLoop<Job::kDensity, false>(im);
     case Job::kApplyAlpha:
-      return exact ? ScalarLoop<Job::kApplyAlpha, true>(im) : ScalarLoop<Job::kApplyAlpha, false>(im);
-    case Job::kLut: return ScalarLoop<Job::kLut, true>(im);
-    default: return ScalarLoop<Job::kL08ToL08, true>(im);
+      return exact ? ScalarLoop<Job::kApplyAlpha, true>(im)
+                   : ScalarLoop<Job::kApplyAlpha, false>(im);
+    case Job::kLut:
+      return ScalarLoop<Job::kLut, true>(im);
+    default:
+      return ScalarLoop<Job::kL08ToL08, true>(im);
   }
 }
 
@@ -166,9 +181,11 @@ void RunTraffic(const Images &im, Job job) {
 
 std::string VerifyOurs(const Images &im, Job job, bool exact) {
   for (std::size_t i = 0; i < im.Pixels(); ++i) {
-    const int want = ScalarPixel(job, exact, im.table, Images::Start(i, 2), Images::Start(i, 0), Images::Start(i, 1));
+    const int want = ScalarPixel(job, exact, im.table, Images::Start(i, 2), Images::Start(i, 0),
+                                 Images::Start(i, 1));
     if (im.Dst()[i] != want) {
-      return "pixel " + std::to_string(i) + " is " + std::to_string(im.Dst()[i]) + ", want " + std::to_string(want);
+      return "pixel " + std::to_string(i) + " is " + std::to_string(im.Dst()[i]) + ", want " +
+             std::to_string(want);
     }
   }
   return {};
@@ -177,9 +194,9 @@ std::string VerifyOurs(const Images &im, Job job, bool exact) {
 std::string VerifyTraffic(const Images &im, Job job) {
   for (std::size_t i = 0; i < im.Pixels(); ++i) {
     const int s = Images::Start(i, 0), a = Images::Start(i, 1), d = Images::Start(i, 2);
-    const int want = job == Job::kLut ? d ^ 0x5A
+    const int want = job == Job::kLut                                     ? d ^ 0x5A
                      : (job == Job::kL08ToL08 || job == Job::kMotionCopy) ? d ^ s ^ a
-                                                                           : d ^ a;
+                                                                          : d ^ a;
     if (im.Dst()[i] != want) return "traffic kernel wrong at byte " + std::to_string(i);
   }
   return {};
@@ -209,7 +226,9 @@ void AddPairs(const std::shared_ptr<Images> &im, Job job, bool exact) {
   traffic.bytes = static_cast<std::int64_t>(im->Pixels());
   traffic.target = inCache ? 0 : kOverTraffic;
   traffic.reset = [=] { im->Reset(); };
-  traffic.verify = [=](bool ours) { return ours ? VerifyOurs(*im, job, exact) : VerifyTraffic(*im, job); };
+  traffic.verify = [=](bool ours) {
+    return ours ? VerifyOurs(*im, job, exact) : VerifyTraffic(*im, job);
+  };
   ostrel_bench::AddPair(std::move(traffic));
 }
 

@@ -28,13 +28,12 @@
 // a plain breadth-first labelling of the mask: the labels must make the same
 // partition, the fill the same pixels, the contour as many points, and the
 // features the reference's areas and centroids.
-#include <opencv2/core.hpp>
-#include <opencv2/imgproc.hpp>
-
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
 #include <random>
 #include <sstream>
 #include <string>
@@ -129,7 +128,7 @@ struct Reference {
   std::vector<int> labels;
   std::vector<std::int64_t> area;
   std::vector<double> sumX, sumY;
-  int largest = 0;  // label of the largest object
+  int largest = 0;       // label of the largest object
   int largestFirst = 0;  // its first pixel
 };
 
@@ -172,9 +171,9 @@ struct Scene {
   std::string name;
   Mask mask;
   Reference ref;
-  std::vector<int> ours;       // label buffer of ColorBinaryObjects
+  std::vector<int> ours;  // label buffer of ColorBinaryObjects
   cv::Mat peerLabels;
-  Mask fillOurs, fillPeer;     // masks refilled in place
+  Mask fillOurs, fillPeer;  // masks refilled in place
 };
 
 void AddLabelling(const std::shared_ptr<Scene> &s) {

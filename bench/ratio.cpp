@@ -60,8 +60,8 @@ void Check(Entry &e) {
   const auto diff = std::mismatch(ours.begin(), ours.end(), out);
   if (diff.first != ours.end()) {
     std::ostringstream message;
-    message << "output differs from " << p.peerName << " at byte "
-            << (diff.first - ours.begin()) << " of " << p.output.size;
+    message << "output differs from " << p.peerName << " at byte " << (diff.first - ours.begin())
+            << " of " << p.output.size;
     e.mismatch = message.str();
   }
 }
@@ -149,9 +149,9 @@ void PrintRatioTable(const CollectingReporter &collected, std::ostream &out) {
   }
   std::ostringstream table;
   char line[512];
-  std::snprintf(line, sizeof line, "%-*s  %13s  %-*s  %13s  %6s  %s\n", static_cast<int>(labelWidth),
-                "job", "ours", static_cast<int>(peerWidth), "peer", "peer speed", "ratio",
-                "target");
+  std::snprintf(line, sizeof line, "%-*s  %13s  %-*s  %13s  %6s  %s\n",
+                static_cast<int>(labelWidth), "job", "ours", static_cast<int>(peerWidth), "peer",
+                "peer speed", "ratio", "target");
   table << line << std::string(labelWidth + peerWidth + 60, '-') << '\n';
   int lines = 0;
   for (const Entry &e : Entries()) {
@@ -183,10 +183,10 @@ void PrintRatioTable(const CollectingReporter &collected, std::ostream &out) {
     } else if (measured && e.pair.output.data == nullptr) {
       verdict += "  [outputs not compared]";
     }
-    std::snprintf(line, sizeof line, "%-*s  %13s  %-*s  %13s  %6s  %s\n",
-                  static_cast<int>(labelWidth), e.pair.label.c_str(), Throughput(e.pair, ours).c_str(),
-                  static_cast<int>(peerWidth), e.pair.peerName.c_str(),
-                  Throughput(e.pair, peer).c_str(), ratio.c_str(), verdict.c_str());
+    std::snprintf(
+        line, sizeof line, "%-*s  %13s  %-*s  %13s  %6s  %s\n", static_cast<int>(labelWidth),
+        e.pair.label.c_str(), Throughput(e.pair, ours).c_str(), static_cast<int>(peerWidth),
+        e.pair.peerName.c_str(), Throughput(e.pair, peer).c_str(), ratio.c_str(), verdict.c_str());
     table << line;
   }
   if (lines == 0) return;
@@ -202,12 +202,12 @@ void AddPair(Pair pair) {
   e.oursBenchmark = e.pair.label + "/ours";
   e.peerBenchmark = e.pair.label + "/" + e.pair.peerName;
   Entry *entry = &e;
-  benchmark::RegisterBenchmark(e.oursBenchmark.c_str(),
-                               [entry](benchmark::State &state) { RunSide(state, *entry, true); })
-      ->UseRealTime();
-  benchmark::RegisterBenchmark(e.peerBenchmark.c_str(),
-                               [entry](benchmark::State &state) { RunSide(state, *entry, false); })
-      ->UseRealTime();
+  benchmark::RegisterBenchmark(e.oursBenchmark.c_str(), [entry](benchmark::State &state) {
+    RunSide(state, *entry, true);
+  })->UseRealTime();
+  benchmark::RegisterBenchmark(e.peerBenchmark.c_str(), [entry](benchmark::State &state) {
+    RunSide(state, *entry, false);
+  })->UseRealTime();
 }
 
 int Main(int argc, char **argv) {

@@ -18,10 +18,10 @@
 #ifndef OSTREL_EXAMPLES_BAND_SPLIT_H
 #define OSTREL_EXAMPLES_BAND_SPLIT_H
 
-#include "Ostrel.h"
-
 #include <thread>
 #include <vector>
+
+#include "Ostrel.h"
 
 namespace ostrel_examples {
 
@@ -53,8 +53,9 @@ void RunInRowBands(unsigned int height, Job job, unsigned int bandCount = 0) {
     Band &band = bands[b];
     band.job = &job;
     band.top = static_cast<unsigned int>(static_cast<unsigned long long>(height) * b / bandCount);
-    band.rows = static_cast<unsigned int>(static_cast<unsigned long long>(height) * (b + 1) /
-                                          bandCount) - band.top;
+    band.rows =
+        static_cast<unsigned int>(static_cast<unsigned long long>(height) * (b + 1) / bandCount) -
+        band.top;
     if (b + 1 == bandCount) {  // the calling thread's own band
       band.Run();
       break;

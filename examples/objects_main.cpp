@@ -64,9 +64,12 @@ int main(int argc, char **argv) {
     }
     if (i + 1 >= argc) return Fail("missing value after " + arg + "\n" + kUsage);
     const std::string value = argv[++i];
-    if (arg == "--mask") maskPath = value;
-    else if (arg == "--output") output = value;
-    else if (arg == "--csv") csvPath = value;
+    if (arg == "--mask")
+      maskPath = value;
+    else if (arg == "--output")
+      output = value;
+    else if (arg == "--csv")
+      csvPath = value;
     else if (arg == "--frame") {
       if (!ParseInt(value, &frameWidth) || frameWidth < 1 || frameWidth > 32)
         return Fail("bad frame width '" + value + "': 1 to 32");
@@ -81,9 +84,11 @@ int main(int argc, char **argv) {
     mask = SyntheticMask();
   } else {
     if (!ReadPicture(maskPath, &mask, &error)) return Fail(error);
-    if (!mask.grey) return Fail(maskPath + ": unsupported PNG kind (colour); the mask must be 8-bit grey");
+    if (!mask.grey)
+      return Fail(maskPath + ": unsupported PNG kind (colour); the mask must be 8-bit grey");
   }
-  if (mask.width > 16384 || mask.height > 16384) return Fail("the mask is larger than 16384 pixels");
+  if (mask.width > 16384 || mask.height > 16384)
+    return Fail("the mask is larger than 16384 pixels");
 
   const auto start = std::chrono::steady_clock::now();
   // The mask is worked on inside a background border wide enough for the
@@ -110,9 +115,9 @@ int main(int argc, char **argv) {
       }
     }
   const int firstLabel = 2;
-  const int count = ColorBinaryObjects<int>(labels.data(), static_cast<int>(pw), static_cast<int>(ph),
-                                            0, 0, static_cast<int>(pw) - 1, static_cast<int>(ph) - 1,
-                                            0, 1, firstLabel, true, INT_MAX);
+  const int count = ColorBinaryObjects<int>(
+      labels.data(), static_cast<int>(pw), static_cast<int>(ph), 0, 0, static_cast<int>(pw) - 1,
+      static_cast<int>(ph) - 1, 0, 1, firstLabel, true, INT_MAX);
   std::vector<SFeature> features(static_cast<std::size_t>(count > 0 ? count : 1));
   if (count > 0) {
     if (InitFeatureTables(1, 360.0) != 0) return Fail("cannot build the feature tables");
@@ -124,7 +129,8 @@ int main(int argc, char **argv) {
                                      eFeatureHistogram),
         &aborted);
     ReleaseFeatureTables();
-    if (result != 0) return Fail(aborted ? "feature extraction aborted" : "feature extraction failed");
+    if (result != 0)
+      return Fail(aborted ? "feature extraction aborted" : "feature extraction failed");
   }
 
   // The picture: a dark ground, a soft glow round the objects, the objects
@@ -134,15 +140,17 @@ int main(int argc, char **argv) {
   int *table = CreateDistTableForSoftFrame(frame);
   SoftFrameL08toL08(frameSource.data(), glow.data(), pw, ph, table, frame, frame);
   delete[] table;
-  AlphaBlendL08ToTRC(glow.data(), pw, ph, pad, pad, 0xFF3FB8E8u, picture.data(), w, h, 0, 0, 255,
-                     w, h, false, nullptr);
-  static const unsigned int palette[] = {0xE8505B, 0xF9A03F, 0x6BCB77, 0x4D96FF, 0xB983FF, 0xFFD93D};
+  AlphaBlendL08ToTRC(glow.data(), pw, ph, pad, pad, 0xFF3FB8E8u, picture.data(), w, h, 0, 0, 255, w,
+                     h, false, nullptr);
+  static const unsigned int palette[] = {0xE8505B, 0xF9A03F, 0x6BCB77,
+                                         0x4D96FF, 0xB983FF, 0xFFD93D};
   std::vector<unsigned int> fills(picture.size(), 0);
   for (unsigned int y = 0; y < h; ++y)
     for (unsigned int x = 0; x < w; ++x) {
       const int label = labels[static_cast<std::size_t>(y + pad) * pw + x + pad];
       if (label >= firstLabel)
-        fills[static_cast<std::size_t>(y) * w + x] = 0xD0000000u | palette[(label - firstLabel) % 6];
+        fills[static_cast<std::size_t>(y) * w + x] =
+            0xD0000000u | palette[(label - firstLabel) % 6];
     }
   AlphaBlendTRCToTRC(fills.data(), w, h, 0, 0, picture.data(), w, h, 0, 0, 255, w, h, false);
   DrawContourOfL08toTRC(outline.data(), pw, ph, pad - 1, pad - 1, picture.data(), w, h, 0, 0, w + 2,

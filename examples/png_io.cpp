@@ -1,11 +1,11 @@
 #include "png_io.h"
 
 #include <png.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <unistd.h>
 
 namespace ostrel_examples {
 namespace {
@@ -23,8 +23,8 @@ bool Commit(const std::string &temp, const std::string &path, std::string *error
   return true;
 }
 
-bool WritePng(const std::string &path, const void *pixels, unsigned int width,
-              unsigned int height, png_uint_32 format, std::string *error) {
+bool WritePng(const std::string &path, const void *pixels, unsigned int width, unsigned int height,
+              png_uint_32 format, std::string *error) {
   png_image image;
   std::memset(&image, 0, sizeof image);
   image.version = PNG_IMAGE_VERSION;
@@ -63,9 +63,9 @@ bool ReadPicture(const std::string &path, Picture *picture, std::string *error) 
   if (linear || colour != alpha) {
     png_image_free(&image);
     *error = path + ": unsupported PNG kind (" +
-             (linear ? std::string("16 bits a channel")
-                     : colour ? std::string("colour without alpha")
-                              : std::string("grey with alpha")) +
+             (linear   ? std::string("16 bits a channel")
+              : colour ? std::string("colour without alpha")
+                       : std::string("grey with alpha")) +
              "); use 8-bit grey or 8-bit colour with alpha";
     return false;
   }

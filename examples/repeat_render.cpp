@@ -27,7 +27,10 @@ struct Piece {
 class BandRenderer {
  public:
   BandRenderer(const Design &design, const ViewSettings &view, unsigned int *out)
-      : d_(design), v_(view), out_(out), kind_(EffectiveDropKind(view)),
+      : d_(design),
+        v_(view),
+        out_(out),
+        kind_(EffectiveDropKind(view)),
         drop_(EffectiveDrop(design, view)),
         viewRepeatW_(static_cast<int>(design.width * view.zoom)),
         viewRepeatH_(static_cast<int>(design.height * view.zoom)),
@@ -35,8 +38,8 @@ class BandRenderer {
                    (kind_ == eDropVertical ? design.height : design.width)) {}
 
   void Draw(unsigned int top, unsigned int bottom) {
-    ChessboardFillTRCBuffer(out_, v_.width, v_.height, 0, top, v_.width, bottom - top,
-                            v_.scrollX, v_.scrollY + static_cast<int>(top), v_.backdropColour1,
+    ChessboardFillTRCBuffer(out_, v_.width, v_.height, 0, top, v_.width, bottom - top, v_.scrollX,
+                            v_.scrollY + static_cast<int>(top), v_.backdropColour1,
                             v_.backdropColour2, v_.backdropSquare);
     const long long yEndAll = static_cast<long long>(bottom) + v_.scrollY;
     const long long xEndAll = static_cast<long long>(v_.width) + v_.scrollX;
@@ -101,8 +104,8 @@ class BandRenderer {
   void DrawTile(int cx, int cy, int mx0, int mx1, int my0, int my1) {
     const int vx = cx * viewRepeatW_ + mx0, vy = cy * viewRepeatH_ + my0;
     int fx = 0, fy = 0;
-    VPToFPDb(vx, vy, &fx, &fy, d_.width, d_.height, dropRatio_, d_.width, d_.height, kind_,
-             v_.zoom, v_.zoom, true);
+    VPToFPDb(vx, vy, &fx, &fy, d_.width, d_.height, dropRatio_, d_.width, d_.height, kind_, v_.zoom,
+             v_.zoom, true);
     const int ix0 = FileIndex(mx0), iy0 = FileIndex(my0);
     const int fw = FileIndex(mx1 - 1) - ix0 + 1, fh = FileIndex(my1 - 1) - iy0 + 1;
     // ix0 and iy0 are the unfolded corner inside the repeat; fx, fy the folded one.
@@ -112,24 +115,25 @@ class BandRenderer {
     for (int p = 0; p < count; ++p) DrawPiece(cx, cy, ix0, iy0, pieces[p], mx0, mx1, my0, my1);
   }
 
-  void DrawPiece(int cx, int cy, int ix0, int iy0, const Piece &piece, int mx0, int mx1,
-                 int my0, int my1) {
+  void DrawPiece(int cx, int cy, int ix0, int iy0, const Piece &piece, int mx0, int mx1, int my0,
+                 int my1) {
     const int tileW = static_cast<int>(d_.width), tileH = static_cast<int>(d_.height);
     // Where the piece's first and one-past-last file pixels land on screen.
     const int startX = ix0 + piece.offX, startY = iy0 + piece.offY;
     int sx0 = 0, sy0 = 0, sx1 = 0, sy1 = 0;
-    FPToSnappedSP(cx * tileW + startX, cy * tileH + startY, &sx0, &sy0, v_.scrollX, v_.scrollY,
-                  0, d_.width, d_.height, drop_, kind_, v_.zoom, v_.zoom, 0, false);
-    FPToSnappedSP(cx * tileW + startX + piece.width, cy * tileH + startY + piece.height, &sx1,
-                  &sy1, v_.scrollX, v_.scrollY, 0, d_.width, d_.height, drop_, kind_, v_.zoom,
-                  v_.zoom, 0, false);
+    FPToSnappedSP(cx * tileW + startX, cy * tileH + startY, &sx0, &sy0, v_.scrollX, v_.scrollY, 0,
+                  d_.width, d_.height, drop_, kind_, v_.zoom, v_.zoom, 0, false);
+    FPToSnappedSP(cx * tileW + startX + piece.width, cy * tileH + startY + piece.height, &sx1, &sy1,
+                  v_.scrollX, v_.scrollY, 0, d_.width, d_.height, drop_, kind_, v_.zoom, v_.zoom, 0,
+                  false);
     const int baseX = cx * viewRepeatW_ - v_.scrollX, baseY = cy * viewRepeatH_ - v_.scrollY;
     const int ax = std::max(mx0, Settle(sx0 - baseX, startX, viewRepeatW_));
     const int bx = std::min(mx1, Settle(sx1 - baseX, startX + piece.width, viewRepeatW_));
     const int ay = std::max(my0, Settle(sy0 - baseY, startY, viewRepeatH_));
     const int by = std::min(my1, Settle(sy1 - baseY, startY + piece.height, viewRepeatH_));
     if (ax >= bx || ay >= by) return;
-    const unsigned int w = static_cast<unsigned int>(bx - ax), h = static_cast<unsigned int>(by - ay);
+    const unsigned int w = static_cast<unsigned int>(bx - ax),
+                       h = static_cast<unsigned int>(by - ay);
     columns_.resize(w);
     rows_.resize(h);
     for (unsigned int i = 0; i < w; ++i)
@@ -145,16 +149,16 @@ class BandRenderer {
           for (unsigned int i = 0; i < w; ++i)
             greyScratch_[j * w + i] =
                 layer.l08[static_cast<std::size_t>(rows_[j]) * d_.width + columns_[i]];
-        AlphaBlendL08ToTRC(greyScratch_.data(), w, h, 0, 0, layer.colour, out_, v_.width,
-                           v_.height, outX, outY, layer.opacity, w, h, v_.exact, nullptr);
+        AlphaBlendL08ToTRC(greyScratch_.data(), w, h, 0, 0, layer.colour, out_, v_.width, v_.height,
+                           outX, outY, layer.opacity, w, h, v_.exact, nullptr);
       } else {
         colourScratch_.resize(static_cast<std::size_t>(w) * h);
         for (unsigned int j = 0; j < h; ++j)
           for (unsigned int i = 0; i < w; ++i)
             colourScratch_[j * w + i] =
                 layer.trc[static_cast<std::size_t>(rows_[j]) * d_.width + columns_[i]];
-        AlphaBlendTRCToTRC(colourScratch_.data(), w, h, 0, 0, out_, v_.width, v_.height, outX,
-                           outY, layer.opacity, w, h, v_.exact);
+        AlphaBlendTRCToTRC(colourScratch_.data(), w, h, 0, 0, out_, v_.width, v_.height, outX, outY,
+                           layer.opacity, w, h, v_.exact);
       }
     }
   }
@@ -192,7 +196,8 @@ Design SyntheticDesign() {
       const int s = (x + 2 * y) % 30;
       stripes.l08[i] = static_cast<unsigned char>(s < 8 ? 255 : s < 13 ? 255 - (s - 7) * 42 : 0);
       const double r1 = std::hypot(x - 78.5, y - 38.5), r2 = std::hypot(x - 20.5, y - 70.5);
-      const double cover = std::max(std::clamp(26.0 - r1, 0.0, 1.0), std::clamp(12.0 - r2, 0.0, 1.0));
+      const double cover =
+          std::max(std::clamp(26.0 - r1, 0.0, 1.0), std::clamp(12.0 - r2, 0.0, 1.0));
       discs.l08[i] = static_cast<unsigned char>(cover * 255.0 + 0.5);
       const int manhattan = std::abs(x - 35) + std::abs(y - 30);
       if (manhattan < 24)

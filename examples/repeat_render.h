@@ -36,8 +36,8 @@ struct ViewSettings {
   int scrollY = 0;
   unsigned int width = 0;
   unsigned int height = 0;
-  bool exact = false;             // exact blend arithmetic instead of the fast form
-  unsigned int bands = 0;         // row bands on the worker pool; 0 = one per processor
+  bool exact = false;      // exact blend arithmetic instead of the fast form
+  unsigned int bands = 0;  // row bands on the worker pool; 0 = one per processor
   unsigned int backdropSquare = 8;
   unsigned int backdropColour1 = 0xFFE8E8E8u;
   unsigned int backdropColour2 = 0xFFC8C8C8u;

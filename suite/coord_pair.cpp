@@ -1,8 +1,8 @@
 // Stand-in for the coordinate-pair part of the suite's globals library.
-#include "VornelCoordPair.h"
-
 #include <atomic>
 #include <new>
+
+#include "VornelCoordPair.h"
 
 namespace {
 

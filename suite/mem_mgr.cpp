@@ -1,9 +1,9 @@
 // Stand-in for the memory-manager part of the suite's globals library.
-#include "VornelMemMgr.h"
-#include "process_object.h"
-
 #include <cstdlib>
 #include <limits>
+
+#include "VornelMemMgr.h"
+#include "process_object.h"
 
 #if defined(_WIN32)
 #ifndef WIN32_LEAN_AND_MEAN

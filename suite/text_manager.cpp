@@ -1,8 +1,7 @@
 // Stand-in for the text-manager part of the suite's globals library.
-#include "VornelTextMgr.h"
-
 #include <cstdio>
 
+#include "VornelTextMgr.h"
 #include "process_object.h"
 
 namespace {

@@ -1,9 +1,9 @@
 // Stand-in for the suite's utilities library: the exception class and the
 // status raiser.
-#include "VornelException.h"
-
 #include <cstdio>
 #include <cstring>
+
+#include "VornelException.h"
 
 namespace {
 
@@ -22,8 +22,7 @@ std::string BareFileName(const char *path) {
 CVornelException::CVornelException(int code, const char *sourceFile, int line)
     : CVornelException(code, sourceFile, line, 0) {}
 
-CVornelException::CVornelException(int code, const char *sourceFile, int line,
-                                   VornelStatus status)
+CVornelException::CVornelException(int code, const char *sourceFile, int line, VornelStatus status)
     : code_(code), file_(BareFileName(sourceFile)), line_(line), status_(status) {
   char text[160];
   if (status_ != 0) {

@@ -19,7 +19,8 @@ TEST(AlphaTables, ApplyAlphaToL08MatchesModelInEveryPath) {
     for (int round = 0; round < 320; ++round) {
       const bool flat = round % 2, exact = round / 2 % 2, flag = round / 4 % 2;
       const u8 opacity = round / 8 % 2 ? 255 : u8(TurnByte(rng));
-      const u32 w = 9 + rng() % 5, h = 5, l = rng() % 6, t = rng() % 4, rw = rng() % 12, rh = rng() % 6;
+      const u32 w = 9 + rng() % 5, h = 5, l = rng() % 6, t = rng() % 4, rw = rng() % 12,
+                rh = rng() % 6;
       auto buf = TurnBytes(w * h, rng), alpha = TurnBytes(w * h, rng);
       auto want = buf;
       const bool fast = !exact && flag && !flat;
@@ -27,23 +28,31 @@ TEST(AlphaTables, ApplyAlphaToL08MatchesModelInEveryPath) {
         for (u32 i = l; i < std::min(w, l + rw); ++i) {
           const int a = alpha[j * w + i];
           u8 &d = want[j * w + i];
-          if (fast) d = u8(d * (opacity == 255 ? a : a * opacity / 256) / 256);
-          else d = u8(d * (flat ? (a ? opacity : 0) : a * opacity / 255) / 255);
+          if (fast)
+            d = u8(d * (opacity == 255 ? a : a * opacity / 256) / 256);
+          else
+            d = u8(d * (flat ? (a ? opacity : 0) : a * opacity / 255) / 255);
         }
       }
       FastFlag f(flag);
       ApplyAlphaToL08(buf.data(), alpha.data(), w, h, l, t, opacity, flat, rw, rh, exact);
-      ASSERT_EQ(buf, want) << "round " << round << ", flat " << flat << ", exact " << exact << ", flag " << flag;
+      ASSERT_EQ(buf, want) << "round " << round << ", flat " << flat << ", exact " << exact
+                           << ", flag " << flag;
     }
   });
 }
 
 // InvertAlphaL08 works in doubles and adds a step where the rise is under one.
 TEST(AlphaTables, HandComputedPixels) {
-  struct Case { u8 a, d; bool flat; u8 want; };
-  const Case cases[] = {{128, 64, false, 127}, {128, 0, false, 1},  {254, 100, false, 101}, {128, 200, false, 255},
-                        {170, 1, false, 2},    {255, 9, false, 9},  {0, 9, false, 9},       {0, 9, true, 255},
-                        {3, 9, true, 9}};  // 170, 1: a rise of exactly 0.5 still gets the step
+  struct Case {
+    u8 a, d;
+    bool flat;
+    u8 want;
+  };
+  const Case cases[] = {
+      {128, 64, false, 127}, {128, 0, false, 1}, {254, 100, false, 101}, {128, 200, false, 255},
+      {170, 1, false, 2},    {255, 9, false, 9}, {0, 9, false, 9},       {0, 9, true, 255},
+      {3, 9, true, 9}};  // 170, 1: a rise of exactly 0.5 still gets the step
   for (Case c : cases) {
     InvertAlphaL08(&c.d, &c.a, 1, 1, 0, 0, c.flat, 1, 1);
     EXPECT_EQ(c.d, c.want) << "InvertAlphaL08 a " << int(c.a) << ", flat " << c.flat;

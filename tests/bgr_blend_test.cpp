@@ -37,8 +37,9 @@ TEST(BgrBlend, MatchesNearestNeighbourModel) {
     }
     (px == 3 ? AlphaBlendBGR24AlphaToBGR24 : AlphaBlendBGR32AlphaToBGR32)(
         const_cast<u8 *>(alpha.data()), aw, ah, colour, dst.data(), dw, dh, sx, sy);
-    ASSERT_EQ(dst, want) << "round " << round << ", " << px * 8 << " bits, coverage " << aw << "x" << ah
-                         << ", destination " << dw << "x" << dh << ", scale " << sx << "," << sy;
+    ASSERT_EQ(dst, want) << "round " << round << ", " << px * 8 << " bits, coverage " << aw << "x"
+                         << ah << ", destination " << dw << "x" << dh << ", scale " << sx << ","
+                         << sy;
   }
 }
 

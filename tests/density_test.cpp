@@ -19,13 +19,33 @@ std::vector<u16> RunCentre(Member m, u16 density, u8 a, u8 opacity, u16 d, bool 
   std::vector<u8> alpha(9, a), d8(9, static_cast<u8>(d));
   std::vector<u16> d16(9, d);
   switch (m) {
-    case kL08: AlphaBlendDensityToL08(u8(density), alpha.data(), 3, 3, 1, 1, d8.data(), 3, 3, 1, 1, opacity, 1, 1, exact); break;
-    case kL08Inv: AlphaBlendDensityToL08Inverted(u8(density), alpha.data(), 3, 3, 1, 1, d8.data(), 3, 3, 1, 1, opacity, 1, 1, exact); break;
-    case kL12: AlphaBlendDensityToL12(density, alpha.data(), 3, 3, 1, 1, d16.data(), 3, 3, 1, 1, opacity, 1, 1, exact); break;
-    case kL12Inv: AlphaBlendDensityToL12Inverted(density, alpha.data(), 3, 3, 1, 1, d16.data(), 3, 3, 1, 1, opacity, 1, 1, exact); break;
-    case kL08Flat: AlphaBlendDensityToL08Flat(u8(density), alpha.data(), 3, 3, 1, 1, d8.data(), 3, 3, 1, 1, 1, 1); break;
-    case kL08FlatInv: AlphaBlendDensityToL08FlatInverted(u8(density), alpha.data(), 3, 3, 1, 1, d8.data(), 3, 3, 1, 1, 1, 1); break;
-    case kL12Flat: AlphaBlendDensityToL12Flat(density, alpha.data(), 3, 3, 1, 1, d16.data(), 3, 3, 1, 1, 1, 1); break;
+    case kL08:
+      AlphaBlendDensityToL08(u8(density), alpha.data(), 3, 3, 1, 1, d8.data(), 3, 3, 1, 1, opacity,
+                             1, 1, exact);
+      break;
+    case kL08Inv:
+      AlphaBlendDensityToL08Inverted(u8(density), alpha.data(), 3, 3, 1, 1, d8.data(), 3, 3, 1, 1,
+                                     opacity, 1, 1, exact);
+      break;
+    case kL12:
+      AlphaBlendDensityToL12(density, alpha.data(), 3, 3, 1, 1, d16.data(), 3, 3, 1, 1, opacity, 1,
+                             1, exact);
+      break;
+    case kL12Inv:
+      AlphaBlendDensityToL12Inverted(density, alpha.data(), 3, 3, 1, 1, d16.data(), 3, 3, 1, 1,
+                                     opacity, 1, 1, exact);
+      break;
+    case kL08Flat:
+      AlphaBlendDensityToL08Flat(u8(density), alpha.data(), 3, 3, 1, 1, d8.data(), 3, 3, 1, 1, 1,
+                                 1);
+      break;
+    case kL08FlatInv:
+      AlphaBlendDensityToL08FlatInverted(u8(density), alpha.data(), 3, 3, 1, 1, d8.data(), 3, 3, 1,
+                                         1, 1, 1);
+      break;
+    case kL12Flat:
+      AlphaBlendDensityToL12Flat(density, alpha.data(), 3, 3, 1, 1, d16.data(), 3, 3, 1, 1, 1, 1);
+      break;
   }
   if (m == kL12 || m == kL12Inv || m == kL12Flat) return d16;
   return std::vector<u16>(d8.begin(), d8.end());
@@ -33,7 +53,14 @@ std::vector<u16> RunCentre(Member m, u16 density, u8 a, u8 opacity, u16 d, bool 
 
 // The members the model below leaves out (the L08 ones are in it).
 TEST(DensityBlend, HandComputedPixels) {
-  struct Case { Member m; u16 density; u8 alpha, opacity; u16 d; bool exact; u16 want; };
+  struct Case {
+    Member m;
+    u16 density;
+    u8 alpha, opacity;
+    u16 d;
+    bool exact;
+    u16 want;
+  };
   const Case cases[] = {
       {kL12, 3000, 255, 255, 100, true, 100},  // this member inverts
       {kL12, 3000, 0, 255, 100, false, 3000},  // exact form only
@@ -63,7 +90,8 @@ TEST(DensityBlend, L08MembersMatchModelOnClippedScenes) {
     std::mt19937 rng(5);
     for (int round = 0; round < 400; ++round) {
       const bool inverted = round % 2, fastAsked = round % 4 >= 2, flag = round % 8 < 6;
-      const u32 aw = 13, ah = 6, al = rng() % 4, at = rng() % 3, dw = 11, dh = 7, dl = rng() % 5, dt = rng() % 4;
+      const u32 aw = 13, ah = 6, al = rng() % 4, at = rng() % 3, dw = 11, dh = 7, dl = rng() % 5,
+                dt = rng() % 4;
       const u32 rw = rng() % 13, rh = rng() % 6;
       const u8 density = u8(TurnByte(rng)), opacity = u8(TurnByte(rng));
       auto alpha = TurnBytes(aw * ah, rng), dst = TurnBytes(dw * dh, rng);
@@ -75,44 +103,54 @@ TEST(DensityBlend, L08MembersMatchModelOnClippedScenes) {
           int c = alpha[(at + j) * aw + al + i];
           if (inverted) c = 255 - c;
           u8 &d = want[(dt + j) * dw + dl + i];
-          d = u8(fast ? FastMix(d, density, c * opacity / 256) : ExactMix(d, density, c * opacity / 255));
+          d = u8(fast ? FastMix(d, density, c * opacity / 256)
+                      : ExactMix(d, density, c * opacity / 255));
         }
       }
       FastFlag f(flag);
       (inverted ? AlphaBlendDensityToL08Inverted : AlphaBlendDensityToL08)(
-          density, alpha.data(), aw, ah, al, at, dst.data(), dw, dh, dl, dt, opacity, rw, rh, !fastAsked);
+          density, alpha.data(), aw, ah, al, at, dst.data(), dw, dh, dl, dt, opacity, rw, rh,
+          !fastAsked);
       ASSERT_EQ(dst, want) << "round " << round;
     }
   });
 }
 
 TEST(DensityBlend, BlueOfTrcModes) {
-  struct Case { u32 blue; u8 opacity; bool flat, scale; u8 d, want; };
+  struct Case {
+    u32 blue;
+    u8 opacity;
+    bool flat, scale;
+    u8 d, want;
+  };
   const Case cases[] = {
-      {128, 255, false, true, 17, 100},   // (128 * 200) / 255
+      {128, 255, false, true, 17, 100},  // (128 * 200) / 255
       {0, 255, false, true, 17, 17},
-      {128, 254, false, true, 17, 108},   // scaleDensity ignored below 255
+      {128, 254, false, true, 17, 108},  // scaleDensity ignored below 255
       {128, 255, false, false, 17, 17 + 183 * 128 / 255},
       {0, 255, false, false, 17, 17},
-      {1, 3, true, false, 17, 200},       // flat: any nonzero blue
+      {1, 3, true, false, 17, 200},  // flat: any nonzero blue
       {0, 255, true, true, 17, 17},
   };
   for (const Case &c : cases) {
     // Colour bytes above blue must not count.
     std::vector<u32> trc(6, 0xFFFFFF00u | c.blue);
     std::vector<u8> dst(6, c.d);
-    AlphaBlendDensityWithAlphaBlueOfTrcToL08(trc.data(), 3, 2, 1, 1, 200, dst.data(), c.opacity, 2, 3, 0, 2, 1, 9,
-                                             c.flat, c.scale);
+    AlphaBlendDensityWithAlphaBlueOfTrcToL08(trc.data(), 3, 2, 1, 1, 200, dst.data(), c.opacity, 2,
+                                             3, 0, 2, 1, 9, c.flat, c.scale);
     std::vector<u8> want(6, c.d);
     want[4] = c.want;
-    EXPECT_EQ(dst, want) << "blue " << c.blue << ", opacity " << int(c.opacity) << ", flat " << c.flat;
+    EXPECT_EQ(dst, want) << "blue " << c.blue << ", opacity " << int(c.opacity) << ", flat "
+                         << c.flat;
   }
 }
 
 TEST(DensityBlend, L08WithAlphaBufferBlendsEverySourceValue) {
   // 2x2 source and alpha at (1, 0) of 3x2; destination 2x2.
-  std::vector<u8> src = {9, 0, 50, 9, 255, 10}, alpha = {9, 255, 128, 9, 0, 255}, dst = {200, 200, 40, 40};
-  AlphaBlendL08WithAlphaBufferToL08(src.data(), alpha.data(), 3, 2, 1, 0, dst.data(), 2, 2, 0, 0, 255, 5, 5, true);
+  std::vector<u8> src = {9, 0, 50, 9, 255, 10}, alpha = {9, 255, 128, 9, 0, 255},
+                  dst = {200, 200, 40, 40};
+  AlphaBlendL08WithAlphaBufferToL08(src.data(), alpha.data(), 3, 2, 1, 0, dst.data(), 2, 2, 0, 0,
+                                    255, 5, 5, true);
   EXPECT_EQ(dst, (std::vector<u8>{0, 200 + (50 - 200) * 128 / 255, 40, 10}));
 }
 

@@ -37,12 +37,23 @@ void RunMember(Scene &s) {
 #define DG s.dw, s.dh, s.dl, s.dt
 #define AG s.aw, 1, s.al, s.at
   switch (s.m) {
-    case kL08: AlphaBlendL08ToL08(s8.data(), a, SG, d8.data(), DG, o, z, t, s.rw, s.rh, true); break;
-    case kL08Own: AlphaBlendL08ToL08(s8.data(), SG, a, AG, d8.data(), DG, o, z, t, s.rw, s.rh, false); break;
-    case kL08Flat: AlphaBlendL08ToL08FlatAlpha(s8.data(), a, SG, d8.data(), DG, o, z, t, s.rw, s.rh, true); break;
-    case kL12: AlphaBlendL12ToL12(s.src.data(), a, SG, s.dst.data(), DG, o, z, t, s.rw, s.rh, true); break;
-    case kL12Own: AlphaBlendL12ToL12(s.src.data(), SG, a, AG, s.dst.data(), DG, o, z, t, s.rw, s.rh, true); break;
-    default: AlphaBlendL12ToL12FlatAlpha(s.src.data(), a, SG, s.dst.data(), DG, o, z, t, s.rw, s.rh, true);
+    case kL08:
+      AlphaBlendL08ToL08(s8.data(), a, SG, d8.data(), DG, o, z, t, s.rw, s.rh, true);
+      break;
+    case kL08Own:
+      AlphaBlendL08ToL08(s8.data(), SG, a, AG, d8.data(), DG, o, z, t, s.rw, s.rh, false);
+      break;
+    case kL08Flat:
+      AlphaBlendL08ToL08FlatAlpha(s8.data(), a, SG, d8.data(), DG, o, z, t, s.rw, s.rh, true);
+      break;
+    case kL12:
+      AlphaBlendL12ToL12(s.src.data(), a, SG, s.dst.data(), DG, o, z, t, s.rw, s.rh, true);
+      break;
+    case kL12Own:
+      AlphaBlendL12ToL12(s.src.data(), SG, a, AG, s.dst.data(), DG, o, z, t, s.rw, s.rh, true);
+      break;
+    default:
+      AlphaBlendL12ToL12FlatAlpha(s.src.data(), a, SG, s.dst.data(), DG, o, z, t, s.rw, s.rh, true);
   }
 #undef SG
 #undef DG
@@ -51,7 +62,8 @@ void RunMember(Scene &s) {
 }
 
 void Model(Scene &s) {
-  const u32 cols = Clipped(s.rw, s.sl, s.sw, s.dl, s.dw), rows = Clipped(s.rh, s.st, s.sh, s.dt, s.dh);
+  const u32 cols = Clipped(s.rw, s.sl, s.sw, s.dl, s.dw),
+            rows = Clipped(s.rh, s.st, s.sh, s.dt, s.dh);
   const int full = Is12(s.m) ? 4095 : 255;
   const bool z = s.blendZero != 0;
   const bool force = s.twoLevel && (s.m == kL08 || s.withAlpha) && !Quirky(s.m);
@@ -64,7 +76,8 @@ void Model(Scene &s) {
       if (!z && v == 0) continue;
       int w = s.opacity;
       if (s.withAlpha) {
-        int c = OwnAlpha(s.m) ? s.alpha[(s.at + j) * s.aw + s.al + i] : s.alpha[(s.st + j) * s.sw + s.sl + i];
+        int c = OwnAlpha(s.m) ? s.alpha[(s.at + j) * s.aw + s.al + i]
+                              : s.alpha[(s.st + j) * s.sw + s.sl + i];
         if (Flat(s.m) && c) c = 255;
         w = c * s.opacity / 255;
       }
@@ -85,28 +98,38 @@ TEST(GreyToGreyBlend, EveryMemberAndModeMatchesModel) {
     for (int round = 0; round < 1600; ++round) {
       Scene s;
       s.m = round % kMembers;
-      s.withAlpha = round / kMembers % 2, s.blendZero = u8(round / (2 * kMembers) % 2 * (1 + rng() % 255));
+      s.withAlpha = round / kMembers % 2,
+      s.blendZero = u8(round / (2 * kMembers) % 2 * (1 + rng() % 255));
       s.twoLevel = round / (4 * kMembers) % 2;
-      s.sl = rng() % 5, s.st = rng() % 3, s.dl = rng() % 5, s.dt = rng() % 4, s.al = rng() % 3, s.at = rng() % 3;
+      s.sl = rng() % 5, s.st = rng() % 3, s.dl = rng() % 5, s.dt = rng() % 4, s.al = rng() % 3,
+      s.at = rng() % 3;
       s.rw = rng() % 10, s.rh = rng() % 6, s.opacity = u8(TurnByte(rng));
-      s.src = Random<u16>(s.sw * s.sh, [&] { return Is12(s.m) ? word() : TurnByte(rng) * (rng() % 3 != 0); });
+      s.src = Random<u16>(s.sw * s.sh,
+                          [&] { return Is12(s.m) ? word() : TurnByte(rng) * (rng() % 3 != 0); });
       s.dst = Random<u16>(s.dw * s.dh + 1, [&] { return Is12(s.m) ? word() : TurnByte(rng); });
       s.alpha = TurnBytes(OwnAlpha(s.m) ? s.aw * 9 : s.sw * s.sh, rng);
       Scene want = s;
       Model(want);
       RunMember(s);
       ASSERT_EQ(s.dst, want.dst) << "member " << s.m << ", alpha " << s.withAlpha << ", blendZero "
-                                 << int(s.blendZero) << ", twoLevel " << s.twoLevel << ", round " << round;
+                                 << int(s.blendZero) << ", twoLevel " << s.twoLevel << ", round "
+                                 << round;
     }
   });
 }
 
 TEST(GreyToGreyBlend, HandComputedPixels) {
-  struct Case { Member m; bool withAlpha; u8 a, opacity, blendZero; bool twoLevel; u16 s, d, want; };
+  struct Case {
+    Member m;
+    bool withAlpha;
+    u8 a, opacity, blendZero;
+    bool twoLevel;
+    u16 s, d, want;
+  };
   const Case cases[] = {
-      {kL08, false, 0, 0, 1, true, 5, 3, 255},      // opacity 0: the kept 3 is forced
+      {kL08, false, 0, 0, 1, true, 5, 3, 255},  // opacity 0: the kept 3 is forced
       {kL08, false, 0, 0, 1, true, 5, 0, 0},
-      {kL08Own, false, 0, 0, 1, true, 5, 3, 3},     // no alpha: twoLevel ignored
+      {kL08Own, false, 0, 0, 1, true, 5, 3, 3},  // no alpha: twoLevel ignored
       {kL08Flat, false, 0, 0, 1, true, 5, 3, 3},
       {kL12, false, 0, 255, 1, false, 4095, 1000, 16},  // 1000 + (4095 / 255 - 1000)
       {kL12, true, 255, 255, 0, false, 4095, 1000, 4095},
@@ -115,8 +138,8 @@ TEST(GreyToGreyBlend, HandComputedPixels) {
       {kL12Flat, true, 9, 255, 1, false, 4095, 1000, 16},
   };
   for (const Case &c : cases) {
-    Scene s{c.m, 1, 1, 0, 0, 1, 1, 0, 0, 1, 1, 1, 0, 0, c.opacity, c.blendZero, c.twoLevel, c.withAlpha,
-            {c.s}, {c.d, 0}, {c.a}};
+    Scene s{c.m, 1, 1, 0,         0,           1,          1,           0,     0,        1,    1,
+            1,   0, 0, c.opacity, c.blendZero, c.twoLevel, c.withAlpha, {c.s}, {c.d, 0}, {c.a}};
     RunMember(s);
     EXPECT_EQ(s.dst[0], c.want) << "member " << c.m << ", s " << c.s << ", d " << c.d;
   }
@@ -127,7 +150,27 @@ TEST(GreyToGreyBlend, HandComputedPixels) {
 // word right of the region is written.
 TEST(GreyToGreyBlend, TwelveBitSharedForcesTheNextWord) {
   for (int m : {kL12, kL12Flat}) {
-    Scene s{m, 4, 1, 0, 0, 6, 1, 1, 0, 3, 1, 1, 0, 0, 0, 1, true, false, {0, 0, 0, 0}, {5, 5, 5, 5, 5, 5}, {}};
+    Scene s{m,
+            4,
+            1,
+            0,
+            0,
+            6,
+            1,
+            1,
+            0,
+            3,
+            1,
+            1,
+            0,
+            0,
+            0,
+            1,
+            true,
+            false,
+            {0, 0, 0, 0},
+            {5, 5, 5, 5, 5, 5},
+            {}};
     RunMember(s);
     EXPECT_EQ(s.dst, (std::vector<u16>{5, 5, 4095, 4095, 4095, 5})) << "member " << m;
   }

@@ -56,7 +56,8 @@ TEST(Marking, MarksOverColour) {
   std::vector<u8> values = {0, 5, 10, 200, 201};
   std::vector<u32> limits(5, 0x11223344u);
   MarkL08LimitsToTRCHighBit(values.data(), 5, 1, 0, 0, 10, 200, limits.data(), 5, 1, 0, 0, 5, 1);
-  EXPECT_EQ(limits, (std::vector<u32>{0x11223344u, 0x80223344u, 0x11223344u, 0x11223344u, 0x40223344u}));
+  EXPECT_EQ(limits,
+            (std::vector<u32>{0x11223344u, 0x80223344u, 0x11223344u, 0x11223344u, 0x40223344u}));
 }
 
 // Draws the contour of a mask given as text rows ('#' nonzero) into a
@@ -68,11 +69,13 @@ std::vector<std::string> Contour(const std::vector<std::string> &mask, u32 dstLe
     for (char c : row) src.push_back(c == '#' ? 200 : 0);
   const u32 dw = w - 2 + dstLeft;
   std::vector<u32> dst(dw * (h - 2), 1);
-  DrawContourOfL08toTRC(src.data(), w, h, 0, 0, dst.data(), dw, h - 2, dstLeft, 0, w, h, 0xFF00FF00u);
+  DrawContourOfL08toTRC(src.data(), w, h, 0, 0, dst.data(), dw, h - 2, dstLeft, 0, w, h,
+                        0xFF00FF00u);
   std::vector<std::string> out;
   for (u32 j = 0; j < h - 2; ++j) {
     std::string row;
-    for (u32 i = 0; i < dw; ++i) row += dst[j * dw + i] == 1 ? '.' : dst[j * dw + i] == 0xFF00FF00u ? 'o' : '?';
+    for (u32 i = 0; i < dw; ++i)
+      row += dst[j * dw + i] == 1 ? '.' : dst[j * dw + i] == 0xFF00FF00u ? 'o' : '?';
     out.push_back(row);
   }
   return out;

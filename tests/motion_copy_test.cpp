@@ -14,16 +14,18 @@ namespace {
 using namespace grey_test;
 
 template <class P>
-void Call(P *buf, u32 w, u32 h, u32 sl, u32 st, u8 *alpha, u32 aw, u32 al, u32 at, u32 dl, u32 dt, u8 opacity,
-          bool twoLevel, u32 rw, u32 rh, int mode) {
+void Call(P *buf, u32 w, u32 h, u32 sl, u32 st, u8 *alpha, u32 aw, u32 al, u32 at, u32 dl, u32 dt,
+          u8 opacity, bool twoLevel, u32 rw, u32 rh, int mode) {
   const auto m = static_cast<_EMotionCopyMode>(mode);
   if constexpr (sizeof(P) == 1) {
-    MotionCopyL08ToL08(buf, w, h, sl, st, alpha, aw, 0, al, at, buf, w, h, dl, dt, opacity, twoLevel, rw, rh, m, true);
+    MotionCopyL08ToL08(buf, w, h, sl, st, alpha, aw, 0, al, at, buf, w, h, dl, dt, opacity,
+                       twoLevel, rw, rh, m, true);
   } else if constexpr (sizeof(P) == 2) {
-    MotionCopyL12ToL12(buf, w, h, sl, st, alpha, aw, 0, al, at, buf, w, h, dl, dt, opacity, twoLevel, rw, rh, m, false);
+    MotionCopyL12ToL12(buf, w, h, sl, st, alpha, aw, 0, al, at, buf, w, h, dl, dt, opacity,
+                       twoLevel, rw, rh, m, false);
   } else {
-    MotionCopyTRCWithAlphaBufferToTRC(buf, w, h, sl, st, alpha, aw, 0, al, at, buf, w, h, dl, dt, opacity, rw, rh, m,
-                                      true);
+    MotionCopyTRCWithAlphaBufferToTRC(buf, w, h, sl, st, alpha, aw, 0, al, at, buf, w, h, dl, dt,
+                                      opacity, rw, rh, m, true);
   }
 }
 
@@ -47,25 +49,30 @@ void MovesMatchCopyThroughTemporary(unsigned seed) {
   for (int dy = -2; dy <= 2; ++dy) {
     for (int dx = -2; dx <= 2; ++dx) {
       for (int round = 0; round < 6; ++round) {
-        const u32 sl = 2 + rng() % 3, st = 2 + rng() % 3, dl = u32(int(sl) + dx), dt = u32(int(st) + dy);
+        const u32 sl = 2 + rng() % 3, st = 2 + rng() % 3, dl = u32(int(sl) + dx),
+                  dt = u32(int(st) + dy);
         const u32 rw = rng() % 36, rh = rng() % 8, al = rng() % 3, at = rng() % 2;
         const u8 opacity = round % 2 ? 255 : u8(TurnByte(rng));
         const bool twoLevel = round % 3 == 0;
         auto alpha = Random<u8>(aw * 10, [&] { return round < 2 ? 255u : TurnByte(rng); });
-        const auto before = Random<P>(w * h, [&] { return sizeof(P) == 2 ? rng() & 0x1FFF : rng(); });
+        const auto before =
+            Random<P>(w * h, [&] { return sizeof(P) == 2 ? rng() & 0x1FFF : rng(); });
         auto want = before;
         const u32 cols = Clipped(rw, sl, w, dl, w), rows = Clipped(rh, st, h, dt, h);
         for (u32 j = 0; j < rows; ++j) {
           for (u32 i = 0; i < cols; ++i) {
-            want[(dt + j) * w + dl + i] = Blend<P>(before[(dt + j) * w + dl + i], before[(st + j) * w + sl + i],
-                                                   alpha[(at + j) * aw + al + i], opacity, twoLevel);
+            want[(dt + j) * w + dl + i] =
+                Blend<P>(before[(dt + j) * w + dl + i], before[(st + j) * w + sl + i],
+                         alpha[(at + j) * aw + al + i], opacity, twoLevel);
           }
         }
         auto got = before;
         const int mode = (dy > 0 ? 1 : 0) | (dx > 0 ? 2 : 0);
-        Call<P>(got.data(), w, h, sl, st, alpha.data(), aw, al, at, dl, dt, opacity, twoLevel, rw, rh, mode);
-        ASSERT_EQ(got, want) << sizeof(P) * 8 << "-bit pixels, offset " << dx << "," << dy << ", region " << rw
-                             << "x" << rh << ", opacity " << int(opacity) << ", twoLevel " << twoLevel;
+        Call<P>(got.data(), w, h, sl, st, alpha.data(), aw, al, at, dl, dt, opacity, twoLevel, rw,
+                rh, mode);
+        ASSERT_EQ(got, want) << sizeof(P) * 8 << "-bit pixels, offset " << dx << "," << dy
+                             << ", region " << rw << "x" << rh << ", opacity " << int(opacity)
+                             << ", twoLevel " << twoLevel;
       }
     }
   }
@@ -85,20 +92,79 @@ TEST(MotionCopy, MovesInsideOneBufferMatchCopyThroughTemporary) {
 TEST(MotionCopy, OrdersEarlyReturnsAndTwoLevel) {
   u8 full[8];
   std::fill(full, full + 8, 255);
-  struct Case { const char *what; u32 w, h, sl, st, dl, dt, rw, rh; int mode; u8 opacity; bool twoLevel;
-                std::vector<u8> start, want; };
+  struct Case {
+    const char *what;
+    u32 w, h, sl, st, dl, dt, rw, rh;
+    int mode;
+    u8 opacity;
+    bool twoLevel;
+    std::vector<u8> start, want;
+  };
   const Case cases[] = {
-      {"down one row, top to bottom smears", 1, 4, 0, 0, 0, 1, 1, 3, 0, 255, false, {1, 2, 3, 4}, {1, 1, 1, 1}},
-      {"right one column, left to right smears", 4, 1, 0, 0, 1, 0, 3, 1, 1, 255, false, {1, 2, 3, 4}, {1, 1, 1, 1}},
+      {"down one row, top to bottom smears",
+       1,
+       4,
+       0,
+       0,
+       0,
+       1,
+       1,
+       3,
+       0,
+       255,
+       false,
+       {1, 2, 3, 4},
+       {1, 1, 1, 1}},
+      {"right one column, left to right smears",
+       4,
+       1,
+       0,
+       0,
+       1,
+       0,
+       3,
+       1,
+       1,
+       255,
+       false,
+       {1, 2, 3, 4},
+       {1, 1, 1, 1}},
       {"mode 4", 4, 1, 0, 0, 1, 0, 3, 1, 4, 255, false, {1, 2, 3, 4}, {1, 2, 3, 4}},
-      {"source corner on the right edge", 4, 1, 4, 0, 0, 0, 3, 1, 0, 255, false, {1, 2, 3, 4}, {1, 2, 3, 4}},
-      {"destination corner on the bottom edge", 1, 4, 0, 0, 0, 4, 1, 3, 0, 255, false, {1, 2, 3, 4}, {1, 2, 3, 4}},
+      {"source corner on the right edge",
+       4,
+       1,
+       4,
+       0,
+       0,
+       0,
+       3,
+       1,
+       0,
+       255,
+       false,
+       {1, 2, 3, 4},
+       {1, 2, 3, 4}},
+      {"destination corner on the bottom edge",
+       1,
+       4,
+       0,
+       0,
+       0,
+       4,
+       1,
+       3,
+       0,
+       255,
+       false,
+       {1, 2, 3, 4},
+       {1, 2, 3, 4}},
       {"twoLevel at opacity 0", 4, 1, 0, 0, 0, 0, 4, 1, 0, 0, true, {0, 2, 0, 4}, {0, 255, 0, 255}},
   };
   for (const Case &c : cases) {
     auto buf = c.start;
-    MotionCopyL08ToL08(buf.data(), c.w, c.h, c.sl, c.st, full, 1, 1, 0, 0, buf.data(), c.w, c.h, c.dl, c.dt,
-                       c.opacity, c.twoLevel, c.rw, c.rh, static_cast<_EMotionCopyMode>(c.mode), true);
+    MotionCopyL08ToL08(buf.data(), c.w, c.h, c.sl, c.st, full, 1, 1, 0, 0, buf.data(), c.w, c.h,
+                       c.dl, c.dt, c.opacity, c.twoLevel, c.rw, c.rh,
+                       static_cast<_EMotionCopyMode>(c.mode), true);
     EXPECT_EQ(buf, c.want) << c.what;
   }
 }

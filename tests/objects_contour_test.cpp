@@ -15,16 +15,18 @@ using Points = std::vector<std::pair<int, int>>;
 // Traces from (sx, sy) in a mask of `inside` in a region, by default the
 // buffer; without point output the length is the same and the count 0.
 template <class T, class Inside>
-double Trace(int w, int h, int sx, int sy, Inside inside, Points *points, int left = 0, int top = 0, int rw = -1,
-             int rh = -1) {
+double Trace(int w, int h, int sx, int sy, Inside inside, Points *points, int left = 0, int top = 0,
+             int rw = -1, int rh = -1) {
   std::vector<T> b(w * h);
   for (int i = 0; i < w * h; ++i) b[i] = inside(i % w, i / w) ? 1 : 0;
   if (rw < 0) rw = w, rh = h;
   std::vector<CPoint> out(rw * rh + 2);
   int count = -1, noCount = -1;
   T *start = b.data() + sy * w + sx;
-  const double length = FollowContour<T>(b.data(), start, w, h, left, top, rw, rh, 1, out.data(), &count);
-  EXPECT_EQ(FollowContour<T>(b.data(), start, w, h, left, top, rw, rh, 1, nullptr, &noCount), length);
+  const double length =
+      FollowContour<T>(b.data(), start, w, h, left, top, rw, rh, 1, out.data(), &count);
+  EXPECT_EQ(FollowContour<T>(b.data(), start, w, h, left, top, rw, rh, 1, nullptr, &noCount),
+            length);
   EXPECT_EQ(noCount, 0);
   points->clear();
   for (int i = 0; i < count; ++i) points->emplace_back(out[i].x, out[i].y);
@@ -33,11 +35,16 @@ double Trace(int w, int h, int sx, int sy, Inside inside, Points *points, int le
 
 TEST(ObjectsFollowContour, SmallShapes) {
   Points p;
-  EXPECT_EQ(Trace<unsigned char>(5, 5, 2, 2, [](int x, int y) { return x == 2 && y == 2; }, &p), 0.0);
+  EXPECT_EQ(Trace<unsigned char>(
+                5, 5, 2, 2, [](int x, int y) { return x == 2 && y == 2; }, &p),
+            0.0);
   EXPECT_TRUE(p.empty());  // an isolated pixel
-  EXPECT_EQ(Trace<int>(5, 5, 2, 2, [](int x, int y) { return y == 2 && (x == 2 || x == 3); }, &p), 1.0);
+  EXPECT_EQ(Trace<int>(
+                5, 5, 2, 2, [](int x, int y) { return y == 2 && (x == 2 || x == 3); }, &p),
+            1.0);
   EXPECT_EQ(p, (Points{{2, 2}, {3, 2}}));  // right and back, the closing step not counted
-  EXPECT_DOUBLE_EQ(Trace<int>(7, 7, 2, 2, [](int x, int y) { return x == y && x >= 2 && x <= 4; }, &p),
+  EXPECT_DOUBLE_EQ(Trace<int>(
+                       7, 7, 2, 2, [](int x, int y) { return x == y && x >= 2 && x <= 4; }, &p),
                    3 * std::sqrt(2.0));
   EXPECT_EQ(p, (Points{{2, 2}, {3, 3}, {4, 4}, {3, 3}}));  // a diagonal, out and back
 }

@@ -14,7 +14,9 @@ namespace {
 const double kPi = 3.14159265358979323846;
 
 // A w x h label buffer with rectangles [x0, x1) x [y0, y1) of the given labels.
-struct Rect { int x0, y0, x1, y1, label; };
+struct Rect {
+  int x0, y0, x1, y1, label;
+};
 std::vector<int> Labels(int w, int h, const std::vector<Rect> &rects) {
   std::vector<int> b(w * h, 0);
   for (const Rect &r : rects)
@@ -23,8 +25,8 @@ std::vector<int> Labels(int w, int h, const std::vector<Rect> &rects) {
   return b;
 }
 
-int Extract(std::vector<int> &labels, int w, int h, int top, int *values, int first, int n, SFeature *f,
-            int needed, unsigned char *aborted) {
+int Extract(std::vector<int> &labels, int w, int h, int top, int *values, int first, int n,
+            SFeature *f, int needed, unsigned char *aborted) {
   return MultiObjectFeatureExtract<int>(labels.data(), w, h, 0, top, w, h, values, first, n, f,
                                         static_cast<EFeaturesNeeded>(needed), aborted);
 }
@@ -32,8 +34,12 @@ int Extract(std::vector<int> &labels, int w, int h, int top, int *values, int fi
 TEST(ObjectsFeatures, RectanglesCountsCentroidsPerimetersHistograms) {
   const int w = 20, h = 12;
   // Labels 3 and 4; 5 only in the unvisited last row; 2 and 6 out of range.
-  std::vector<int> labels = Labels(w, h, {{2, 2, 6, 5, 3}, {8, 3, 15, 10, 4}, {16, 1, 18, 2, 6},
-                                          {1, 1, 2, 2, 2}, {0, h - 1, w, h, 5}});
+  std::vector<int> labels = Labels(w, h,
+                                   {{2, 2, 6, 5, 3},
+                                    {8, 3, 15, 10, 4},
+                                    {16, 1, 18, 2, 6},
+                                    {1, 1, 2, 2, 2},
+                                    {0, h - 1, w, h, 5}});
   std::vector<int> values(w * h);
   for (int i = 0; i < w * h; ++i) values[i] = i % 7;
   std::vector<SFeature> f(3);
@@ -43,8 +49,13 @@ TEST(ObjectsFeatures, RectanglesCountsCentroidsPerimetersHistograms) {
   EXPECT_EQ(Extract(labels, w, h, 0, values.data(), 3, 3, nullptr, needed, &aborted), -1);
   EXPECT_EQ(Extract(labels, w, h, 0, values.data(), 3, 0, f.data(), needed, &aborted), 0);
   ASSERT_EQ(Extract(labels, w, h, 0, values.data(), 3, 3, f.data(), needed, &aborted), 0);
-  const struct { int count; double cx, cy, perimeter; } want[] = {  // closing contour step uncounted
-      {12, 4.0, 3.5, 9.0}, {49, 11.5, 6.5, 23.0}, {0, 0.0, 0.0, 0.0}};
+  const struct {
+    int count;
+    double cx, cy, perimeter;
+  } want[] = {// closing contour step uncounted
+              {12, 4.0, 3.5, 9.0},
+              {49, 11.5, 6.5, 23.0},
+              {0, 0.0, 0.0, 0.0}};
   for (int k = 0; k < 3; ++k) {
     EXPECT_EQ(f[k].pixelCount, want[k].count) << k;
     EXPECT_DOUBLE_EQ(f[k].centroidX, want[k].cx) << k;
@@ -66,7 +77,8 @@ TEST(ObjectsFeatures, RectanglesCountsCentroidsPerimetersHistograms) {
 TEST(ObjectsFeatures, DiscPerimeterAndRoundnessNearIdeal) {
   const int r = 30, n = 2 * r + 6, c = n / 2;
   std::vector<int> labels(n * n);
-  for (int i = 0; i < n * n; ++i) labels[i] = (i % n - c) * (i % n - c) + (i / n - c) * (i / n - c) <= r * r;
+  for (int i = 0; i < n * n; ++i)
+    labels[i] = (i % n - c) * (i % n - c) + (i / n - c) * (i / n - c) <= r * r;
   SFeature f;
   unsigned char aborted;
   ASSERT_EQ(Extract(labels, n, n, 0, labels.data(), 1, 1, &f, eFeatureBasic, &aborted), 0);
@@ -82,7 +94,12 @@ TEST(ObjectsFeatures, OrientationWorkedExamples) {
   EXPECT_EQ(InitFeatureTables(2, 90.0), -1);  // tables kept
   const double scale = 360 / (2 * kPi);
   const int all = eFeatureBasic | eFeatureCentroid | eFeatureOrientation;
-  const struct { const char *what; std::vector<Rect> rects; int top; double bin; } cases[] = {
+  const struct {
+    const char *what;
+    std::vector<Rect> rects;
+    int top;
+    double bin;
+  } cases[] = {
       {"single pixel: every window weighs 0", {{3, 4, 4, 5, 1}}, 0, 0},
       // (0, +-0.5) -> (0, 0.5): steep, bin 2E + T[0].
       {"vertical pair", {{3, 4, 4, 6, 1}}, 0, 90 - 35},
@@ -115,11 +132,14 @@ int PressAfterPolls(int key) {
 // Counts blocks out and back; allocates from the heap.
 class CountingMemMgr final : public IMemMgr {
  public:
-  VornelStatus VORNEL_STDCALL QueryInterface(const IID &, void **) override { return kVornelNoInterface; }
+  VornelStatus VORNEL_STDCALL QueryInterface(const IID &, void **) override {
+    return kVornelNoInterface;
+  }
   unsigned long VORNEL_STDCALL AddRef() override { return 1; }
   unsigned long VORNEL_STDCALL Release() override { return 1; }
   VornelStatus VORNEL_STDCALL Allocate(std::size_t size, void **block) override {
-    return (*block = failing ? nullptr : std::malloc(size)) == nullptr ? kVornelOutOfMemory : (++out, kVornelOk);
+    return (*block = failing ? nullptr : std::malloc(size)) == nullptr ? kVornelOutOfMemory
+                                                                       : (++out, kVornelOk);
   }
   VornelStatus VORNEL_STDCALL Free(void *block) override {
     if (block != nullptr) --out, std::free(block);
@@ -142,7 +162,8 @@ TEST(ObjectsFeatures, EscapeAbortsAndTemporariesGoBack) {
   for (const int after : {0, 40, pixels - 1, pixels}) {  // one poll per pixel up to the first press
     g_polls = 0, g_pressAfter = after;
     const bool pressed = after < pixels;
-    EXPECT_EQ(Extract(labels, w, h, 0, labels.data(), 1, 1, &f, needed, &aborted), pressed ? -1 : 0) << after;
+    EXPECT_EQ(Extract(labels, w, h, 0, labels.data(), 1, 1, &f, needed, &aborted), pressed ? -1 : 0)
+        << after;
     EXPECT_EQ(aborted, pressed ? 1 : 0);
     EXPECT_EQ(g_polls, pressed ? after + 1 : pixels);
     EXPECT_EQ(manager.out, 0);
@@ -158,9 +179,12 @@ TEST(ObjectsFeatures, EscapeAbortsAndTemporariesGoBack) {
 TEST(ObjectsFeatures, InterpolatedOverlayFactor) {
   double two[] = {0, 100}, four[] = {10, 40, 40, 100};
   EXPECT_FLOAT_EQ(GetInterpolatedOverlayFactor(50, two, 2), 0.5f);
-  const struct { int value; float factor; } cases[] = {{-5, .1f}, {0, .1f}, {25, .175f}, {150, .4f}, {250, .7f},
-                                                      {300, 1}, {999, 1}};
-  for (const auto &c : cases) EXPECT_FLOAT_EQ(GetInterpolatedOverlayFactor(c.value, four, 4), c.factor) << c.value;
+  const struct {
+    int value;
+    float factor;
+  } cases[] = {{-5, .1f}, {0, .1f}, {25, .175f}, {150, .4f}, {250, .7f}, {300, 1}, {999, 1}};
+  for (const auto &c : cases)
+    EXPECT_FLOAT_EQ(GetInterpolatedOverlayFactor(c.value, four, 4), c.factor) << c.value;
 }
 
 }  // namespace

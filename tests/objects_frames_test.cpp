@@ -17,7 +17,8 @@ using Bytes = std::vector<unsigned char>;
 TEST(ObjectsFrames, DistanceTablesAndSinglePixelStamps) {
   EXPECT_EQ(Table(CreateDistTableForSoftFrame(0))[0], 0);
   Table t2(CreateDistTableForSoftFrame(2));
-  EXPECT_EQ(std::vector<int>(t2.get(), t2.get() + 15), (std::vector<int>{3, 2, 2, 2, 3, 2, 1, 1, 1, 2, 2, 1, 0, 1, 2}));
+  EXPECT_EQ(std::vector<int>(t2.get(), t2.get() + 15),
+            (std::vector<int>{3, 2, 2, 2, 3, 2, 1, 1, 1, 2, 2, 1, 0, 1, 2}));
   EXPECT_EQ(t2[24], 3);
   const unsigned int n = 11, c = 5 * n + 5;
   Table table(CreateDistTableForSoftFrame(10));
@@ -45,7 +46,7 @@ TEST(ObjectsFrames, NoBoundaryNoChangeAndDownFrame) {
     EXPECT_EQ(dst, Bytes(n * n, 17));
   }
   Bytes src(n * n, 255);
-  src[4 * n + 4] = 0;  // one hole: its 3 x 3 square is cut out
+  src[4 * n + 4] = 0;     // one hole: its 3 x 3 square is cut out
   Bytes dst(n * n, 255);  // the hole itself cleared too
   HardFrameDownL08toL08(src.data(), dst.data(), n, n, table.get(), 3, 1);
   EXPECT_EQ(std::count(dst.begin(), dst.end(), 0), 9);
@@ -65,7 +66,8 @@ TEST(ObjectsFrames, SymmetricMasksGiveSymmetricFrames) {
     if (op == 1) HardFrameL08toL08(src.data(), dst.data(), w, h, table.get(), 4, 3, false);
     if (op == 2) HardFrameDownL08toL08(src.data(), dst.data(), w, h, table.get(), 4, 3);
     EXPECT_NE(dst, src) << op;
-    for (unsigned int i = 0; i < w * h; ++i) ASSERT_EQ(dst[i], dst[i - i % w + w - 1 - i % w]) << op;
+    for (unsigned int i = 0; i < w * h; ++i)
+      ASSERT_EQ(dst[i], dst[i - i % w + w - 1 - i % w]) << op;
   }
 }
 
@@ -74,7 +76,8 @@ TEST(ObjectsFrames, SymmetricMasksGiveSymmetricFrames) {
 TEST(ObjectsFrames, SoftFrameMatchesPlainLoops) {
   std::mt19937 rng(9);
   for (int i = 0; i < 40; ++i) {
-    const int w = 12 + rng() % 20, h = 12 + rng() % 15, f = 1 + rng() % 5, R = f + rng() % 3, side = 2 * R + 1;
+    const int w = 12 + rng() % 20, h = 12 + rng() % 15, f = 1 + rng() % 5, R = f + rng() % 3,
+              side = 2 * R + 1;
     Bytes src(w * h), dst(w * h);
     for (auto &v : src) v = rng() % 2 ? 0 : static_cast<unsigned char>(rng());
     for (auto &v : dst) v = static_cast<unsigned char>(rng());
@@ -83,7 +86,8 @@ TEST(ObjectsFrames, SoftFrameMatchesPlainLoops) {
     for (int y = f; y < h - f; ++y)
       for (int x = f; x < w - f; ++x) {
         const int s = src[y * w + x];
-        if (s == 0 || (src[y * w + x - 1] && src[y * w + x + 1] && src[(y - 1) * w + x] && src[(y + 1) * w + x]))
+        if (s == 0 || (src[y * w + x - 1] && src[y * w + x + 1] && src[(y - 1) * w + x] &&
+                       src[(y + 1) * w + x]))
           continue;
         for (int dy = -f; dy <= f; ++dy)
           for (int dx = -f; dx <= f; ++dx) {

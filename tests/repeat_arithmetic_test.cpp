@@ -16,34 +16,46 @@ TEST(RepeatArithmetic, GgTKgVFakultaetNUeberK) {
     for (int b = 1; b <= 40; ++b)
       EXPECT_TRUE(ggT(a, b) == std::gcd(a, b) && kgV(a, b) == std::lcm(a, b)) << a << ", " << b;
   EXPECT_TRUE(Fakultaet(0) == 1 && Fakultaet(13) == 1932053504u && Fakultaet(34) == 0);  // mod 2^32
-  EXPECT_EQ(NUeberK(3, 5), 1u);      // n < k gives 1, not 0
-  EXPECT_EQ(NUeberK(20, 10), 117u);  // 11 * ... * 20 wraps to 427674624, / 10!
+  EXPECT_EQ(NUeberK(3, 5), 1u);                     // n < k gives 1, not 0
+  EXPECT_EQ(NUeberK(20, 10), 117u);                 // 11 * ... * 20 wraps to 427674624, / 10!
   for (unsigned n = 0, c = 1; n <= 12; ++n, c = 1)  // c: n over k, exact
     for (unsigned k = 0; k <= n; c = c * (n - k) / (k + 1), ++k) EXPECT_EQ(NUeberK(n, k), c) << n;
 }
 
 TEST(RepeatArithmetic, RepeatIndexPositionInsideAndHDropRepeats) {
-  const double cases[][5] = {  // position, size, epsilon, then the index and the position inside
-      {-10, 10, 0.001, -1, 0}, {-10.0005, 10, 0.001, -1, 0},  // within epsilon of the seam
-      {-10.5, 10, 0.001, -2, 9}, {-10, 10, 0, -2, 0},  // the rest equals the size: 0
-      {-10.5, 10, 1, -1, 0},  {-0.5, 10, 0.5, -1, 9},  // epsilon >= 1: truncated first
-      {21.5, 10.9, 0, 2, 0},  {30, 10.5, 0, 3, -1},    // index by the truncated size, rest not
-      {25.7, 10, 0, 2, 5},    {-3.5, 10, 0.001, -1, 6},
-      {1e10, 10, 0, -214748364, INT_MIN}};  // out of range: 0x80000000
+  const double cases[][5] = {// position, size, epsilon, then the index and the position inside
+                             {-10, 10, 0.001, -1, 0},
+                             {-10.0005, 10, 0.001, -1, 0},  // within epsilon of the seam
+                             {-10.5, 10, 0.001, -2, 9},
+                             {-10, 10, 0, -2, 0},  // the rest equals the size: 0
+                             {-10.5, 10, 1, -1, 0},
+                             {-0.5, 10, 0.5, -1, 9},  // epsilon >= 1: truncated first
+                             {21.5, 10.9, 0, 2, 0},
+                             {30, 10.5, 0, 3, -1},  // index by the truncated size, rest not
+                             {25.7, 10, 0, 2, 5},
+                             {-3.5, 10, 0.001, -1, 6},
+                             {1e10, 10, 0, -214748364, INT_MIN}};  // out of range: 0x80000000
   for (const auto &c : cases) {
     int q = 99;
     EXPECT_TRUE(GetRapport(c[0], c[1], c[2]) == c[3] &&
-                SetInRappAndCalcRapp(c[0], c[1], c[2], &q) == c[4] && q == c[3]) << c[0];
+                SetInRappAndCalcRapp(c[0], c[1], c[2], &q) == c[4] && q == c[3])
+        << c[0];
   }
   for (int p = -300; p <= 300; ++p)  // whole positions: floor division
     for (int size : {1, 7, 64}) {
       const int want = static_cast<int>(std::floor(static_cast<double>(p) / size));
       int q = 99;
       EXPECT_TRUE(GetRapport(p, size, 2) == want &&
-                  SetInRappAndCalcRapp(p, size, 0.001, &q) == p - want * size && q == want) << p;
+                  SetInRappAndCalcRapp(p, size, 0.001, &q) == p - want * size && q == want)
+          << p;
     }
-  const long long drops[][3] = {{100, 0, 1},  {100, 50, 2}, {100, 33, 3}, {100, 67, 3},
-                                {100, 3, -1}, {100, 97, -1}, {101, 50, 2},
+  const long long drops[][3] = {{100, 0, 1},
+                                {100, 50, 2},
+                                {100, 33, 3},
+                                {100, 67, 3},
+                                {100, 3, -1},
+                                {100, 97, -1},
+                                {101, 50, 2},
                                 {100, 7, 13},                 // |91 - 100| <= 13
                                 {100, 49, 2},                 // |98 - 100| <= 2, on the bound
                                 {UINT_MAX, 0x80000000u, 2}};  // 1 * length - 2 * drop wraps to -1

@@ -51,8 +51,8 @@ Point ToScreen(double x, double y, const Scene &s, bool mm = false) {
 TEST(RepeatCoordinates, VPToFPFoldsAsTheEndlessDesign) {
   EXPECT_EQ(ToFile(-1, 0, {100, 100, 0, 2, 2}, false), Point(-1, 0));  // 99 - 100
   EXPECT_EQ(ToFile(-1, 299, {100, 100, 0, 1.5, 1.5}, false), Point(-1, 199));
-  const Scene views[] = {{100, 80, 40, 1, 1}, {100, 80, 33, 0.5, 0.25}, {37, 23, 5, 1.5, 3.25},
-                         {64, 64, 63, 4, 0.75}};
+  const Scene views[] = {
+      {100, 80, 40, 1, 1}, {100, 80, 33, 0.5, 0.25}, {37, 23, 5, 1.5, 3.25}, {64, 64, 63, 4, 0.75}};
   for (Scene v : views) {
     const double db[] = {v.drop / 80.0, 80, 80};  // VPToFPDb rounds it to the same drop
     for (int vx = -1000; vx <= 1000; vx += 7)
@@ -93,7 +93,8 @@ TEST(RepeatCoordinates, FPToVPAndFPToSnappedSPInvertVPToFP) {
 }
 
 TEST(RepeatCoordinates, SnapOffsetsAreUnequalAndBottomUpTurns) {
-  const double zooms[][3] = {  // zoom; then x + trunc(zoom / 2 + 0.5), y - trunc(zoom / 2 - 0.5)
+  const double zooms[][3] = {
+      // zoom; then x + trunc(zoom / 2 + 0.5), y - trunc(zoom / 2 - 0.5)
       {1, 0, 0}, {1.01, 1, 0}, {2, 1, 0}, {3, 2, -1}, {4, 2, -1}, {8, 4, -3}};
   for (const auto &z : zooms) {
     const Scene s = {100, 100, 0, z[0], z[0], eDropVertical, 0, 0, 480, 1, false};
@@ -119,9 +120,17 @@ TEST(RepeatCoordinates, MillimetresAndArrayFormsMatchTheOnePointFileForm) {
   const double zooms[] = {1, 2, 0.5, 1.5, 3.75, 8, 0.3};
   const _EDropKind kinds[] = {eDropVertical, eDropHorizontal, eDropNone, _EDropKind(3)};
   for (int round = 0; round < 80; ++round) {
-    const Scene s = {1 + unsigned(rng() % 150), 1 + unsigned(rng() % 150), unsigned(rng() % 150),
-                     zooms[rng() % 7], zooms[rng() % 7], kinds[round % 4], pos(rng), pos(rng),
-                     unsigned(rng() % 2000), static_cast<unsigned char>(rng() % 3), rng() % 2 == 0};
+    const Scene s = {1 + unsigned(rng() % 150),
+                     1 + unsigned(rng() % 150),
+                     unsigned(rng() % 150),
+                     zooms[rng() % 7],
+                     zooms[rng() % 7],
+                     kinds[round % 4],
+                     pos(rng),
+                     pos(rng),
+                     unsigned(rng() % 2000),
+                     static_cast<unsigned char>(rng() % 3),
+                     rng() % 2 == 0};
     const int count = round % 20;  // 0 included
     std::vector<int> fxs(count), fys(count), out[4];
     std::vector<double> mxs(count), mys(count);  // millimetres, at resolutions 2 and 4
@@ -129,17 +138,16 @@ TEST(RepeatCoordinates, MillimetresAndArrayFormsMatchTheOnePointFileForm) {
     for (int i = 0; i < count; ++i) mxs[i] = fxs[i] / 2.0, mys[i] = fys[i] / 4.0;
     for (auto &o : out) o.assign(count + 1, -7);
     int *p[4] = {out[0].data(), out[1].data(), out[2].data(), out[3].data()};
-    FPToSnappedSP(fxs.data(), fys.data(), count, &p[0], &p[1], s.scrollX, s.scrollY,
-                  s.windowHeight, s.width, s.height, s.drop, s.kind, s.zoomX, s.zoomY, s.snap,
-                  s.bottomUp);
-    MMToSnappedSP(mxs.data(), mys.data(), count, &p[2], &p[3], s.scrollX, s.scrollY,
-                  s.windowHeight, s.width, s.height, s.drop, s.kind, 2, 4, s.zoomX, s.zoomY,
-                  s.snap, s.bottomUp);
+    FPToSnappedSP(fxs.data(), fys.data(), count, &p[0], &p[1], s.scrollX, s.scrollY, s.windowHeight,
+                  s.width, s.height, s.drop, s.kind, s.zoomX, s.zoomY, s.snap, s.bottomUp);
+    MMToSnappedSP(mxs.data(), mys.data(), count, &p[2], &p[3], s.scrollX, s.scrollY, s.windowHeight,
+                  s.width, s.height, s.drop, s.kind, 2, 4, s.zoomX, s.zoomY, s.snap, s.bottomUp);
     for (int i = 0; i <= count; ++i) {  // nothing written past count
       const Point want = i < count ? ToScreen(fxs[i], fys[i], s) : Point(-7, -7);
       const Point mm = i < count ? ToScreen(mxs[i], mys[i], s, true) : want;
       ASSERT_TRUE(Point(out[0][i], out[1][i]) == want && Point(out[2][i], out[3][i]) == want &&
-                  mm == want) << round << ", " << i;
+                  mm == want)
+          << round << ", " << i;
     }
   }
   // (v + 1) - 1 turns -1e-17 into 0, but -1e-15 stays in repeat -1:

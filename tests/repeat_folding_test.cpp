@@ -28,8 +28,8 @@ MMPoint FoldMM(double x, double y, double drop, _EDropKind kind) {
 }
 
 TEST(RepeatFolding, FoldsLikeTheEndlessDesign) {
-  const unsigned tiles[][3] = {{100, 80, 40}, {100, 80, 0}, {7, 5, 3}, {1, 1, 0}, {64, 64, 63},
-                               {100, 80, 33}, {100, 80, 99}};
+  const unsigned tiles[][3] = {{100, 80, 40}, {100, 80, 0},  {7, 5, 3},    {1, 1, 0},
+                               {64, 64, 63},  {100, 80, 33}, {100, 80, 99}};
   std::vector<int> xs = {INT_MIN, INT_MIN + 1, INT_MAX}, ys = {INT_MIN, INT_MAX};  // far away
   for (int x = -700; x <= 700; x += 3) xs.push_back(x);
   for (int y = -500; y <= 2000; y += 7) ys.push_back(y);
@@ -40,12 +40,14 @@ TEST(RepeatFolding, FoldsLikeTheEndlessDesign) {
         // Vertical: any x, and far rows inside the tile's columns (elsewhere y wraps).
         if ((y > -600 && y < 600) || (x >= 0 && x < w)) {
           ASSERT_EQ(Fold(x, y, w, h, drop, eDropVertical),
-                    repeat_test::RefFold(x, y, w, h, drop, eDropVertical)) << x << ", " << y;
+                    repeat_test::RefFold(x, y, w, h, drop, eDropVertical))
+              << x << ", " << y;
         }
         // Horizontal: 0 < x < width and y >= 0, unless x lands on a negative multiple of the width.
         if (x <= 0 || x >= w || y < 0 || y == INT_MAX || (x - y / h * drop) % w == 0) continue;
         ASSERT_EQ(Fold(x, y, w, h, drop, eDropHorizontal),
-                  repeat_test::RefFold(x, y, w, h, drop, eDropHorizontal)) << x << ", " << y;
+                  repeat_test::RefFold(x, y, w, h, drop, eDropHorizontal))
+            << x << ", " << y;
       }
 }
 
@@ -55,7 +57,7 @@ TEST(RepeatFolding, HorizontalDropKeepsItsFixedSteps) {
                           {50, 170, 75, 100, -90},  // x = -100 wraps to the width
                           {-10, -20, 25, 15, 60},
                           {-10, 20, 25, 1342177265, -1342177196},  // (2^32 - 20) / 80 + 1 rows
-                          {5, -400, 5, 75, 16}};  // y divides as 2^32 - 400
+                          {5, -400, 5, 75, 16}};                   // y divides as 2^32 - 400
   for (const auto &c : cases)
     EXPECT_EQ(Fold(c[0], c[1], 100, 80, c[2], eDropHorizontal), Point(c[3], c[4])) << c[0];
   for (_EDropKind k : {_EDropKind(0), _EDropKind(3), _EDropKind(-1)}) {  // unchanged, no division
@@ -73,11 +75,12 @@ TEST(RepeatFolding, DbTruncatesOncePerFoldAndMMKeepsFractions) {
   EXPECT_EQ(FoldDb(5, -400, 70 / 80.0, 80, 80, eDropHorizontal), Point(57, 16));
   // 53687091 rows * 50 leave the int range: 0x80000000, where SetInRapp wraps.
   EXPECT_EQ(FoldDb(-10, 20, 0.5, 100, 80, eDropHorizontal), Point(2147483638, -2147483596));
-  const double mm[][6] = {  // x, y, drop, kind, then the folded x and y
-      {-0.5, 0, 40.5, 1, 99.5, 40.5}, {0, -0.25, 40, 1, 0, 79.75}, {0, 170, 25, 2, 0, 170},
-      {150, 10, 25, 2, 150, -90},     {12.5, 85.5, 2.5, 2, 10, 5.5},
-      {-10, 20, 25, 2, 90, 20},    // rows counted from y itself ...
-      {-10, 170, 25, 2, 65, 90}};  // ... as 1 - trunc(170 / 80) = -1
+  const double mm[][6] = {
+      // x, y, drop, kind, then the folded x and y
+      {-0.5, 0, 40.5, 1, 99.5, 40.5}, {0, -0.25, 40, 1, 0, 79.75},
+      {0, 170, 25, 2, 0, 170},        {150, 10, 25, 2, 150, -90},
+      {12.5, 85.5, 2.5, 2, 10, 5.5},  {-10, 20, 25, 2, 90, 20},  // rows counted from y itself ...
+      {-10, 170, 25, 2, 65, 90}};                                // ... as 1 - trunc(170 / 80) = -1
   for (const auto &c : mm) {
     const _EDropKind kind = c[3] == 1 ? eDropVertical : eDropHorizontal;
     EXPECT_EQ(FoldMM(c[0], c[1], c[2], kind), MMPoint(c[4], c[5])) << c[0] << ", " << c[1];
@@ -101,8 +104,8 @@ TEST(RepeatFoldingDeathTest, ZeroRepeatSizeRaisesTheDivideFault) {
   EXPECT_DEATH(SetInRapp(-5, 3, 0, 80, 0, eDropVertical, &x, &y), "FPE");
   EXPECT_DEATH(kgV(0, 0), "FPE");
 #else
-  EXPECT_EXIT(SetInRapp(-5, 3, 0, 80, 0, eDropVertical, &x, &y),
-              ::testing::KilledBySignal(SIGFPE), "");
+  EXPECT_EXIT(SetInRapp(-5, 3, 0, 80, 0, eDropVertical, &x, &y), ::testing::KilledBySignal(SIGFPE),
+              "");
   EXPECT_EXIT(kgV(0, 0), ::testing::KilledBySignal(SIGFPE), "");
 #endif
 }

@@ -24,8 +24,8 @@ class ProgramTest : public ::testing::Test {
  protected:
   void SetUp() override {
     const auto *info = ::testing::UnitTest::GetInstance()->current_test_info();
-    dir_ = fs::temp_directory_path() / ("ostrel-cli-" + std::string(info->name()) + "-" +
-                                        std::to_string(::getpid()));
+    dir_ = fs::temp_directory_path() /
+           ("ostrel-cli-" + std::string(info->name()) + "-" + std::to_string(::getpid()));
     fs::remove_all(dir_);
     fs::create_directories(dir_ / "in");
     fs::create_directories(dir_ / "out");
@@ -86,11 +86,11 @@ std::vector<std::vector<double>> ReadCsv(const std::string &path) {
 TEST_F(ProgramTest, ObjectsFindsTheKnownObjectsOfAMask) {
   const unsigned int w = 80, h = 30;
   std::vector<unsigned char> mask(w * h, 0);
-  SetRect(mask, w, 0, 0, 4, 3);     // touches the picture's corner
-  SetRect(mask, w, 70, 2, 2, 2);    // two squares meeting only at a corner:
-  SetRect(mask, w, 72, 4, 2, 2);    // two objects
+  SetRect(mask, w, 0, 0, 4, 3);   // touches the picture's corner
+  SetRect(mask, w, 70, 2, 2, 2);  // two squares meeting only at a corner:
+  SetRect(mask, w, 72, 4, 2, 2);  // two objects
   SetRect(mask, w, 5, 4, 10, 6);
-  SetRect(mask, w, 50, 5, 4, 10);   // an L: 40 + 32 pixels
+  SetRect(mask, w, 50, 5, 4, 10);  // an L: 40 + 32 pixels
   SetRect(mask, w, 54, 11, 8, 4);
   SetRect(mask, w, 30, 20, 3, 3);
   std::string error;
@@ -99,9 +99,9 @@ TEST_F(ProgramTest, ObjectsFindsTheKnownObjectsOfAMask) {
                               Out("o.csv")),
             0);
   // Labels in raster order of the objects' first pixels: pixels, centroid.
-  const double expected[][3] = {{12, 2, 1.5},   {4, 71, 3},     {60, 10, 7},
-                                {4, 73, 5},     {72, 3936.0 / 72, 816.0 / 72},
-                                {9, 31.5, 21.5}};
+  const double expected[][3] = {
+      {12, 2, 1.5},   {4, 71, 3}, {60, 10, 7}, {4, 73, 5}, {72, 3936.0 / 72, 816.0 / 72},
+      {9, 31.5, 21.5}};
   const auto rows = ReadCsv(Out("o.csv"));
   ASSERT_EQ(rows.size(), 6u);
   for (std::size_t i = 0; i < rows.size(); ++i) {
@@ -123,7 +123,8 @@ TEST_F(ProgramTest, RepeatViewDrawsAGreyDesignAtTheRequestedSize) {
   ASSERT_TRUE(WriteGreyPng(In("tile.png"), tile, 40, 30, &error)) << error;
   ASSERT_EQ(Run(kRepeatView, "--design " + In("tile.png") +
                                  " --drop-kind horizontal --drop 13 --zoom 1.5 --size 97x61"
-                                 " --scroll -20,7 --output " + Out("v.png")),
+                                 " --scroll -20,7 --output " +
+                                 Out("v.png")),
             0);
   Picture picture;
   ASSERT_TRUE(ReadPicture(Out("v.png"), &picture, &error)) << error;

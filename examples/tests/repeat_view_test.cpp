@@ -17,9 +17,12 @@ unsigned int BlendChannelwise(unsigned int dst, unsigned int src, unsigned int c
   const int weight = static_cast<int>(fast ? (coverage * opacity) >> 8 : coverage * opacity / 255);
   unsigned int result = dst & 0xFF000000u;
   for (int shift = 0; shift < 24; shift += 8) {
-    const int d = static_cast<int>((dst >> shift) & 0xFF), s = static_cast<int>((src >> shift) & 0xFF);
+    const int d = static_cast<int>((dst >> shift) & 0xFF),
+              s = static_cast<int>((src >> shift) & 0xFF);
     const int product = (s - d) * weight;
-    const int step = !fast ? product / 255 : product >= 0 ? product / 256 : -((-product + 255) / 256);
+    const int step = !fast          ? product / 255
+                     : product >= 0 ? product / 256
+                                    : -((-product + 255) / 256);
     result |= static_cast<unsigned int>(d + step) << shift;
   }
   return result;
@@ -45,9 +48,10 @@ std::vector<unsigned int> ReferenceView(const Design &design, const ViewSettings
                kind, view.zoom, view.zoom, true);
       const std::size_t at = static_cast<std::size_t>(fy) * design.width + fx;
       for (const Layer &layer : design.layers)
-        pixel = layer.grey ? BlendChannelwise(pixel, layer.colour, layer.l08[at], layer.opacity, fast)
-                           : BlendChannelwise(pixel, layer.trc[at], layer.trc[at] >> 24,
-                                              layer.opacity, fast);
+        pixel =
+            layer.grey
+                ? BlendChannelwise(pixel, layer.colour, layer.l08[at], layer.opacity, fast)
+                : BlendChannelwise(pixel, layer.trc[at], layer.trc[at] >> 24, layer.opacity, fast);
       out[static_cast<std::size_t>(y) * view.width + x] = pixel;
     }
   }
@@ -76,15 +80,16 @@ Design NoisyDesign(unsigned int width, unsigned int height) {
 
 void ExpectSameAsReference(const Design &design, const ViewSettings &view) {
   ASSERT_EQ(CheckView(design, view), "");
-  const std::vector<unsigned int> drawn = RenderView(design, view), expected = ReferenceView(design, view);
+  const std::vector<unsigned int> drawn = RenderView(design, view),
+                                  expected = ReferenceView(design, view);
   int wrong = 0;
   for (std::size_t i = 0; i < drawn.size() && wrong < 5; ++i)
     if (drawn[i] != expected[i]) {
       ++wrong;
       ADD_FAILURE() << "pixel (" << i % view.width << ", " << i / view.width << "): drawn "
-                    << std::hex << drawn[i] << ", expected " << expected[i] << std::dec
-                    << "; kind " << view.dropKind << " drop " << view.drop << " zoom "
-                    << view.zoom << " scroll " << view.scrollX << "," << view.scrollY;
+                    << std::hex << drawn[i] << ", expected " << expected[i] << std::dec << "; kind "
+                    << view.dropKind << " drop " << view.drop << " zoom " << view.zoom << " scroll "
+                    << view.scrollX << "," << view.scrollY;
     }
 }
 

@@ -28,7 +28,8 @@ CpuidRegs Cpuid(unsigned int leaf, unsigned int subleaf) {
   r = {static_cast<unsigned>(regs[0]), static_cast<unsigned>(regs[1]),
        static_cast<unsigned>(regs[2]), static_cast<unsigned>(regs[3])};
 #else
-  const unsigned int maxLeaf = static_cast<unsigned int>(__get_cpuid_max(leaf & 0x80000000u, nullptr));
+  const unsigned int maxLeaf =
+      static_cast<unsigned int>(__get_cpuid_max(leaf & 0x80000000u, nullptr));
   if (leaf > maxLeaf) return r;
   __cpuid_count(leaf, subleaf, r.eax, r.ebx, r.ecx, r.edx);
 #endif

@@ -51,8 +51,7 @@ class FillEngine {
   // x < right, left only while x > left, down only while y < bottom and up
   // only while y > top: for a seed within the limits the 4-connected
   // component inside them. Returns the number of pixels rewritten.
-  std::size_t Fill(T *buffer, int width, int x, int y, const FillLimits &limits, T target,
-                   T fill) {
+  std::size_t Fill(T *buffer, int width, int x, int y, const FillLimits &limits, T target, T fill) {
     return limits.Contains(x, y) ? FillSpans(buffer, width, x, y, limits, target, fill)
                                  : FillStepwise(buffer, width, x, y, limits, target, fill);
   }
@@ -122,8 +121,8 @@ class FillEngine {
 
   // Pixel by pixel, with the step conditions tested at every pixel: for a
   // seed outside the limits, from which only the steps toward them are open.
-  std::size_t FillStepwise(T *buffer, int width, int x, int y, const FillLimits &limits,
-                           T target, T fill) {
+  std::size_t FillStepwise(T *buffer, int width, int x, int y, const FillLimits &limits, T target,
+                           T fill) {
     std::size_t filled = 1;
     RowOf(buffer, width, y)[x] = fill;
     seeds_.clear();
