@@ -50,18 +50,20 @@ void BlendBgr(unsigned int pixelBytes, const unsigned char *alpha, unsigned int 
 }  // namespace compositing
 }  // namespace ostrel
 
+namespace compositing = ostrel::compositing;
+
 void AlphaBlendBGR24AlphaToBGR24(unsigned char *alpha, unsigned int alphaWidth,
                                  unsigned int alphaHeight, unsigned int colour, unsigned char *dst,
                                  unsigned int dstWidth, unsigned int dstHeight, double scaleX,
                                  double scaleY) {
-  ostrel::compositing::BlendBgr(3, alpha, alphaWidth, alphaHeight, colour, dst, dstWidth, dstHeight,
-                                scaleX, scaleY, __func__);
+  compositing::BlendBgr(3, alpha, alphaWidth, alphaHeight, colour, dst, dstWidth, dstHeight, scaleX,
+                        scaleY, __func__);
 }
 
 void AlphaBlendBGR32AlphaToBGR32(unsigned char *alpha, unsigned int alphaWidth,
                                  unsigned int alphaHeight, unsigned int colour, unsigned char *dst,
                                  unsigned int dstWidth, unsigned int dstHeight, double scaleX,
                                  double scaleY) {
-  ostrel::compositing::BlendBgr(4, alpha, alphaWidth, alphaHeight, colour, dst, dstWidth, dstHeight,
-                                scaleX, scaleY, __func__);
+  compositing::BlendBgr(4, alpha, alphaWidth, alphaHeight, colour, dst, dstWidth, dstHeight, scaleX,
+                        scaleY, __func__);
 }

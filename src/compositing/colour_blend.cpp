@@ -64,16 +64,19 @@ void BlendThroughAlphaPlane(unsigned int *src, unsigned int srcWidth, unsigned i
 }  // namespace compositing
 }  // namespace ostrel
 
+namespace frame = ostrel::frame;
+namespace compositing = ostrel::compositing;
+
 void AlphaBlendTRCToTRC(unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
                         unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
                         unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                         unsigned int dstTop, unsigned char opacity, unsigned int regionWidth,
                         unsigned int regionHeight, bool exact) {
-  const int form = ostrel::compositing::FormIndex(exact);
-  ostrel::compositing::BlendSourceRows(
-      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-      regionWidth, regionHeight, ostrel::compositing::ActiveTrcBlendKernels().pixelsByAlpha[form],
-      ostrel::compositing::PaintBlend(0, opacity), __func__);
+  const int form = compositing::FormIndex(exact);
+  compositing::BlendSourceRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                               dstLeft, dstTop, regionWidth, regionHeight,
+                               compositing::ActiveTrcBlendKernels().pixelsByAlpha[form],
+                               compositing::PaintBlend(0, opacity), __func__);
 }
 
 void AlphaBlendTRCToTRCNoAlpha(unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
@@ -82,13 +85,13 @@ void AlphaBlendTRCToTRCNoAlpha(unsigned int *src, unsigned int srcWidth, unsigne
                                unsigned int dstTop, unsigned char opacity, unsigned int regionWidth,
                                unsigned int regionHeight, bool exact) {
   // Every source pixel counts as fully covering.
-  const int form = ostrel::compositing::FormIndex(exact);
-  ostrel::compositing::TrcBlend blend;
-  blend.weight = ostrel::compositing::FullCoverageWeight(form, opacity);
-  ostrel::compositing::BlendSourceRows(
-      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-      regionWidth, regionHeight, ostrel::compositing::ActiveTrcBlendKernels().pixelsByWeight[form],
-      blend, __func__);
+  const int form = compositing::FormIndex(exact);
+  compositing::TrcBlend blend;
+  blend.weight = compositing::FullCoverageWeight(form, opacity);
+  compositing::BlendSourceRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                               dstLeft, dstTop, regionWidth, regionHeight,
+                               compositing::ActiveTrcBlendKernels().pixelsByWeight[form], blend,
+                               __func__);
 }
 
 void AlphaBlendTRCNoAlphaToTRC(unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
@@ -97,13 +100,13 @@ void AlphaBlendTRCNoAlphaToTRC(unsigned int *src, unsigned int srcWidth, unsigne
                                unsigned int dstTop, unsigned char opacity, unsigned int regionWidth,
                                unsigned int regionHeight, bool exact) {
   // The opacity itself is the weight in both forms.
-  const int form = ostrel::compositing::FormIndex(exact);
-  ostrel::compositing::TrcBlend blend;
+  const int form = compositing::FormIndex(exact);
+  compositing::TrcBlend blend;
   blend.weight = opacity;
-  ostrel::compositing::BlendSourceRows(
-      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-      regionWidth, regionHeight, ostrel::compositing::ActiveTrcBlendKernels().pixelsByWeight[form],
-      blend, __func__);
+  compositing::BlendSourceRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                               dstLeft, dstTop, regionWidth, regionHeight,
+                               compositing::ActiveTrcBlendKernels().pixelsByWeight[form], blend,
+                               __func__);
 }
 
 void AlphaBlendTRCWithAlphaBufferToTRC(unsigned int *src, unsigned char *alpha,
@@ -114,10 +117,10 @@ void AlphaBlendTRCWithAlphaBufferToTRC(unsigned int *src, unsigned char *alpha,
                                        unsigned char opacity, unsigned int regionWidth,
                                        unsigned int regionHeight, bool exact) {
   // The alpha buffer shares the source's geometry.
-  ostrel::compositing::BlendThroughAlphaPlane(
-      src, srcWidth, srcHeight, srcLeft, srcTop, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst,
-      dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
-      ostrel::compositing::FormIndex(exact), __func__);
+  compositing::BlendThroughAlphaPlane(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, srcWidth,
+                                      srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft,
+                                      dstTop, opacity, regionWidth, regionHeight,
+                                      compositing::FormIndex(exact), __func__);
 }
 
 void AlphaBlendTRCWithAlphaBufferToTRC(
@@ -127,8 +130,8 @@ void AlphaBlendTRCWithAlphaBufferToTRC(
     unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
     unsigned int regionWidth, unsigned int regionHeight,
     bool /*exact: this overload has the exact form only*/) {
-  ostrel::compositing::BlendThroughAlphaPlane(
-      src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight, alphaLeft,
-      alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
-      static_cast<int>(ostrel::frame::blend::Form::kExact), __func__);
+  compositing::BlendThroughAlphaPlane(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth,
+                                      alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight,
+                                      dstLeft, dstTop, opacity, regionWidth, regionHeight,
+                                      static_cast<int>(frame::blend::Form::kExact), __func__);
 }

@@ -46,54 +46,22 @@ void DensityWords(unsigned short density, unsigned char *alpha, unsigned int alp
                    });
 }
 
-// AlphaBlendDensityWithAlphaBlueOfTrcToL08: the blue byte of each TRC pixel
-// is the coverage.
-void DensityByBlueOfPixels(unsigned int *trc, unsigned int trcWidth, unsigned int trcHeight,
-                           unsigned int trcLeft, unsigned int trcTop, unsigned char density,
-                           unsigned char *dst, unsigned char opacity, unsigned int dstWidth,
-                           unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-                           unsigned int regionWidth, unsigned int regionHeight, bool flat,
-                           bool scaleDensity, const char *function) {
-  using frame::blend::ExactChannel;
-  using frame::blend::ExactWeight;
-  const auto run = [&](auto &&pixel) {
-    ForEachPixelPair(trc, trcWidth, trcHeight, trcLeft, trcTop, dst, dstWidth, dstHeight, dstLeft,
-                     dstTop, regionWidth, regionHeight, function,
-                     [&](unsigned int t, unsigned char &d) { pixel(t & 0xFFu, d); });
-  };
-  if (flat) {
-    run([&](unsigned int b, unsigned char &d) {
-      if (b != 0) d = density;
-    });
-  } else if (opacity < 255) {
-    run([&](unsigned int b, unsigned char &d) {
-      d = static_cast<unsigned char>(ExactChannel(d, density, ExactWeight(b, opacity)));
-    });
-  } else if (scaleDensity) {
-    run([&](unsigned int b, unsigned char &d) {
-      if (b != 0) d = static_cast<unsigned char>(b * density / 255u);
-    });
-  } else {
-    run([&](unsigned int b, unsigned char &d) {
-      d = static_cast<unsigned char>(ExactChannel(d, density, b));
-    });
-  }
-}
-
 }  // namespace
 }  // namespace compositing
 }  // namespace ostrel
+
+namespace frame = ostrel::frame;
+namespace compositing = ostrel::compositing;
 
 void AlphaBlendDensityToL08(unsigned char density, unsigned char *alpha, unsigned int alphaWidth,
                             unsigned int alphaHeight, unsigned int alphaLeft, unsigned int alphaTop,
                             unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
                             unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                             unsigned int regionWidth, unsigned int regionHeight, bool exact) {
-  const int form = ostrel::compositing::FormIndex(exact);
-  ostrel::compositing::DensityRows(
-      density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight,
-      dstLeft, dstTop, opacity, regionWidth, regionHeight,
-      ostrel::compositing::ActiveGreyBlendKernels().densityByAlpha[form], __func__);
+  const int form = compositing::FormIndex(exact);
+  compositing::DensityRows(density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst,
+                           dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
+                           compositing::ActiveGreyBlendKernels().densityByAlpha[form], __func__);
 }
 
 void AlphaBlendDensityToL08Inverted(
@@ -101,11 +69,10 @@ void AlphaBlendDensityToL08Inverted(
     unsigned int alphaLeft, unsigned int alphaTop, unsigned char *dst, unsigned int dstWidth,
     unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
     unsigned int regionWidth, unsigned int regionHeight, bool exact) {
-  const int form = ostrel::compositing::FormIndex(exact);
-  ostrel::compositing::DensityRows(
-      density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight,
-      dstLeft, dstTop, opacity, regionWidth, regionHeight,
-      ostrel::compositing::ActiveGreyBlendKernels().densityByInverse[form], __func__);
+  const int form = compositing::FormIndex(exact);
+  compositing::DensityRows(density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst,
+                           dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
+                           compositing::ActiveGreyBlendKernels().densityByInverse[form], __func__);
 }
 
 // The inversion sits in this member, not in the one named Inverted.
@@ -114,9 +81,9 @@ void AlphaBlendDensityToL12(unsigned short density, unsigned char *alpha, unsign
                             unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
                             unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                             unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
-  ostrel::compositing::DensityWords(density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop,
-                                    dst, dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth,
-                                    regionHeight, true, __func__);
+  compositing::DensityWords(density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst,
+                            dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth,
+                            regionHeight, true, __func__);
 }
 
 void AlphaBlendDensityToL12Inverted(
@@ -124,9 +91,9 @@ void AlphaBlendDensityToL12Inverted(
     unsigned int alphaLeft, unsigned int alphaTop, unsigned short *dst, unsigned int dstWidth,
     unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
     unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
-  ostrel::compositing::DensityWords(density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop,
-                                    dst, dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth,
-                                    regionHeight, false, __func__);
+  compositing::DensityWords(density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst,
+                            dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth,
+                            regionHeight, false, __func__);
 }
 
 void AlphaBlendDensityToL08Flat(unsigned char density, unsigned char *alpha,
@@ -135,11 +102,11 @@ void AlphaBlendDensityToL08Flat(unsigned char density, unsigned char *alpha,
                                 unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                                 unsigned int dstTop, unsigned int regionWidth,
                                 unsigned int regionHeight) {
-  ostrel::compositing::ForEachPixelPair(
-      alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft,
-      dstTop, regionWidth, regionHeight, __func__, [&](unsigned char a, unsigned char &d) {
-        if (a != 0) d = density;
-      });
+  compositing::ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth,
+                                dstHeight, dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                                [&](unsigned char a, unsigned char &d) {
+                                  if (a != 0) d = density;
+                                });
 }
 
 void AlphaBlendDensityToL08FlatInverted(unsigned char density, unsigned char *alpha,
@@ -149,11 +116,11 @@ void AlphaBlendDensityToL08FlatInverted(unsigned char density, unsigned char *al
                                         unsigned int dstHeight, unsigned int dstLeft,
                                         unsigned int dstTop, unsigned int regionWidth,
                                         unsigned int regionHeight) {
-  ostrel::compositing::ForEachPixelPair(
-      alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft,
-      dstTop, regionWidth, regionHeight, __func__, [&](unsigned char a, unsigned char &d) {
-        if (a == 0) d = density;
-      });
+  compositing::ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth,
+                                dstHeight, dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                                [&](unsigned char a, unsigned char &d) {
+                                  if (a == 0) d = density;
+                                });
 }
 
 void AlphaBlendDensityToL12Flat(unsigned short density, unsigned char *alpha,
@@ -162,21 +129,44 @@ void AlphaBlendDensityToL12Flat(unsigned short density, unsigned char *alpha,
                                 unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                                 unsigned int dstTop, unsigned int regionWidth,
                                 unsigned int regionHeight) {
-  ostrel::compositing::ForEachPixelPair(
-      alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft,
-      dstTop, regionWidth, regionHeight, __func__, [&](unsigned char a, unsigned short &d) {
-        if (a != 0) d = density;
-      });
+  compositing::ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth,
+                                dstHeight, dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                                [&](unsigned char a, unsigned short &d) {
+                                  if (a != 0) d = density;
+                                });
 }
 
+// The blue byte of each TRC pixel is the coverage.
 void AlphaBlendDensityWithAlphaBlueOfTrcToL08(
     unsigned int *trc, unsigned int trcWidth, unsigned int trcHeight, unsigned int trcLeft,
     unsigned int trcTop, unsigned char density, unsigned char *dst, unsigned char opacity,
     unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
     unsigned int regionWidth, unsigned int regionHeight, bool flat, bool scaleDensity) {
-  ostrel::compositing::DensityByBlueOfPixels(
-      trc, trcWidth, trcHeight, trcLeft, trcTop, density, dst, opacity, dstWidth, dstHeight,
-      dstLeft, dstTop, regionWidth, regionHeight, flat, scaleDensity, __func__);
+  // Taken here: inside the lambda __func__ would name its call operator.
+  const char *const function = __func__;
+  const auto run = [&](auto &&pixel) {
+    compositing::ForEachPixelPair(trc, trcWidth, trcHeight, trcLeft, trcTop, dst, dstWidth,
+                                  dstHeight, dstLeft, dstTop, regionWidth, regionHeight, function,
+                                  [&](unsigned int t, unsigned char &d) { pixel(t & 0xFFu, d); });
+  };
+  if (flat) {
+    run([&](unsigned int b, unsigned char &d) {
+      if (b != 0) d = density;
+    });
+  } else if (opacity < 255) {
+    run([&](unsigned int b, unsigned char &d) {
+      d = static_cast<unsigned char>(
+          frame::blend::ExactChannel(d, density, frame::blend::ExactWeight(b, opacity)));
+    });
+  } else if (scaleDensity) {
+    run([&](unsigned int b, unsigned char &d) {
+      if (b != 0) d = static_cast<unsigned char>(b * density / 255u);
+    });
+  } else {
+    run([&](unsigned int b, unsigned char &d) {
+      d = static_cast<unsigned char>(frame::blend::ExactChannel(d, density, b));
+    });
+  }
 }
 
 void AlphaBlendL08WithAlphaBufferToL08(
@@ -184,9 +174,8 @@ void AlphaBlendL08WithAlphaBufferToL08(
     unsigned int srcLeft, unsigned int srcTop, unsigned char *dst, unsigned int dstWidth,
     unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
     unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
-  ostrel::compositing::BlendGreysThroughAlpha(
-      ostrel::frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
-      ostrel::frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
-      ostrel::frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth,
-      regionHeight, opacity, false, __func__);
+  compositing::BlendGreysThroughAlpha(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
+                                      frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
+                                      frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop),
+                                      regionWidth, regionHeight, opacity, false, __func__);
 }

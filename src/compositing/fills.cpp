@@ -20,14 +20,20 @@ std::int32_t WrappingSum(std::int32_t a, std::uint32_t b) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + b);
 }
 
-// FillTRCBuffer.
-void FillRows(unsigned int *buffer, unsigned int width, unsigned int height, unsigned int left,
-              unsigned int top, unsigned int regionWidth, unsigned int regionHeight,
-              unsigned int colour, const char *function) {
+}  // namespace
+}  // namespace compositing
+}  // namespace ostrel
+
+namespace frame = ostrel::frame;
+namespace compositing = ostrel::compositing;
+
+void FillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned int height, unsigned int left,
+                   unsigned int top, unsigned int regionWidth, unsigned int regionHeight,
+                   unsigned int colour) {
   const auto plane = frame::MakePlane(buffer, width, height, left, top);
-  const frame::Extent e = frame::ClipRowsOnly(plane, regionWidth, regionHeight, function);
+  const frame::Extent e = frame::ClipRowsOnly(plane, regionWidth, regionHeight, __func__);
   if (e.Empty()) return;
-  const FillKernels &k = ActiveFillKernels();
+  const compositing::FillKernels &k = compositing::ActiveFillKernels();
   if (e.columns == width) {
     // Whole rows are one run of pixels.
     k.fill(plane.Row(0), static_cast<std::size_t>(e.columns) * e.rows, colour);
@@ -36,20 +42,19 @@ void FillRows(unsigned int *buffer, unsigned int width, unsigned int height, uns
   frame::ForEachRow(plane, e, [&](unsigned int *row, unsigned int n) { k.fill(row, n, colour); });
 }
 
-// ChessboardFillTRCBuffer.
-void FillChessboard(unsigned int *buffer, unsigned int width, unsigned int height,
-                    unsigned int left, unsigned int top, unsigned int regionWidth,
-                    unsigned int regionHeight, int phaseX, int phaseY, unsigned int colour1,
-                    unsigned int colour2, unsigned int squareSize, const char *function) {
-  OSTREL_EXPECT(function, squareSize != 0);
+void ChessboardFillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned int height,
+                             unsigned int left, unsigned int top, unsigned int regionWidth,
+                             unsigned int regionHeight, int phaseX, int phaseY,
+                             unsigned int colour1, unsigned int colour2, unsigned int squareSize) {
+  OSTREL_EXPECT(__func__, squareSize != 0);
   const auto plane = frame::MakePlane(buffer, width, height, left, top);
-  const frame::Extent e = frame::ClipRowsOnly(plane, regionWidth, regionHeight, function);
+  const frame::Extent e = frame::ClipRowsOnly(plane, regionWidth, regionHeight, __func__);
   if (e.Empty()) return;
-  const FillKernels &k = ActiveFillKernels();
+  const compositing::FillKernels &k = compositing::ActiveFillKernels();
 
   const std::int64_t size = squareSize;
-  const std::int64_t x0 = WrappingSum(phaseX, left);
-  const std::int64_t cellX0 = FloorDiv(x0, size);
+  const std::int64_t x0 = compositing::WrappingSum(phaseX, left);
+  const std::int64_t cellX0 = compositing::FloorDiv(x0, size);
   const std::int64_t firstRun = size - (x0 - cellX0 * size);  // left in the first cell
   // Rows in the same row of cells are equal: build the first, copy the rest.
   // (Only when a row cannot run into the next, which the caller guarantees
@@ -59,7 +64,7 @@ void FillChessboard(unsigned int *buffer, unsigned int width, unsigned int heigh
   std::int64_t previousCellY = 0;
   for (unsigned int j = 0; j < e.rows; ++j) {
     unsigned int *row = plane.Row(j);
-    const std::int64_t cellY = FloorDiv(WrappingSum(phaseY, j), size);
+    const std::int64_t cellY = compositing::FloorDiv(compositing::WrappingSum(phaseY, j), size);
     if (j > 0 && copyRows && cellY == previousCellY) {
       std::memcpy(row, row - width, static_cast<std::size_t>(e.columns) * sizeof *row);
       continue;
@@ -81,14 +86,14 @@ void FillChessboard(unsigned int *buffer, unsigned int width, unsigned int heigh
   }
 }
 
-// Copy2DTRCBufferToTRC.
-void CopyRegion(const unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
-                unsigned int srcLeft, unsigned int srcTop, unsigned int *dst, unsigned int dstWidth,
-                unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-                unsigned int regionWidth, unsigned int regionHeight, const char *function) {
+void Copy2DTRCBufferToTRC(unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
+                          unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
+                          unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                          unsigned int dstTop, unsigned int regionWidth,
+                          unsigned int regionHeight) {
   const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
   const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
+  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, __func__);
   if (e.Empty()) return;
   if (e.columns == srcWidth && e.columns == dstWidth) {
     // Whole rows of both buffers: one block.
@@ -100,60 +105,21 @@ void CopyRegion(const unsigned int *src, unsigned int srcWidth, unsigned int src
   });
 }
 
-// CopyTRCToTRCIfNotKeyColor.
-void CopyRegionExceptKey(const unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
-                         unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
-                         unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                         unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
-                         unsigned int keyColor, const char *function) {
-  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
-  if (e.Empty()) return;
-  const FillKernels &k = ActiveFillKernels();
-  frame::ForEachRowPair(s, d, e, [&](const unsigned int *from, unsigned int *to, unsigned int n) {
-    k.copyIfNotKey(from, to, n, keyColor);
-  });
-}
-
-}  // namespace
-}  // namespace compositing
-}  // namespace ostrel
-
-void FillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned int height, unsigned int left,
-                   unsigned int top, unsigned int regionWidth, unsigned int regionHeight,
-                   unsigned int colour) {
-  ostrel::compositing::FillRows(buffer, width, height, left, top, regionWidth, regionHeight, colour,
-                                __func__);
-}
-
-void ChessboardFillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned int height,
-                             unsigned int left, unsigned int top, unsigned int regionWidth,
-                             unsigned int regionHeight, int phaseX, int phaseY,
-                             unsigned int colour1, unsigned int colour2, unsigned int squareSize) {
-  ostrel::compositing::FillChessboard(buffer, width, height, left, top, regionWidth, regionHeight,
-                                      phaseX, phaseY, colour1, colour2, squareSize, __func__);
-}
-
-void Copy2DTRCBufferToTRC(unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
-                          unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
-                          unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                          unsigned int dstTop, unsigned int regionWidth,
-                          unsigned int regionHeight) {
-  ostrel::compositing::CopyRegion(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                                  dstHeight, dstLeft, dstTop, regionWidth, regionHeight, __func__);
-}
-
 void CopyTRCToTRCIfNotKeyColor(unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
                                unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
                                unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                                unsigned int dstTop, unsigned int regionWidth,
                                unsigned int regionHeight, unsigned int keyColor) {
-  ostrel::compositing::CopyRegionExceptKey(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                                           dstHeight, dstLeft, dstTop, regionWidth, regionHeight,
-                                           keyColor, __func__);
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, __func__);
+  if (e.Empty()) return;
+  const compositing::FillKernels &k = compositing::ActiveFillKernels();
+  frame::ForEachRowPair(s, d, e, [&](const unsigned int *from, unsigned int *to, unsigned int n) {
+    k.copyIfNotKey(from, to, n, keyColor);
+  });
 }
 
 void ConvertBufferFrom32To24Bits(unsigned int *src, unsigned char *dst, unsigned int pixelCount) {
-  ostrel::compositing::ActiveFillKernels().pack24(src, dst, pixelCount);
+  compositing::ActiveFillKernels().pack24(src, dst, pixelCount);
 }

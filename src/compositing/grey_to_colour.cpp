@@ -41,50 +41,12 @@ void BlendThroughGrey(const unsigned char *src, unsigned int srcWidth, unsigned 
   }
 }
 
-// AlphaBlendL08WithAlphaBufferToTRC: toward the grey of each source pixel,
-// through the alpha buffer that shares the source's geometry.
-void BlendGreyPixelsThroughAlpha(const unsigned char *src, const unsigned char *alpha,
-                                 unsigned int srcWidth, unsigned int srcHeight,
-                                 unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
-                                 unsigned int dstWidth, unsigned int dstHeight,
-                                 unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
-                                 unsigned int regionWidth, unsigned int regionHeight,
-                                 const char *function) {
-  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto a = frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
-  if (e.rows == 0) return;
-  BlendRows(e, ActiveTrcBlendKernels().greysByBytes, PaintBlend(0, opacity), [&](std::uint32_t j) {
-    TrcRow row{d.Row(j), e.columns};
-    row.greys = s.Row(j);
-    row.bytes = a.Row(j);
-    return row;
-  });
-}
-
-// AlphaBlendL12ToTRC: 12-bit grey words as the coverage.
-void BlendThroughWords(const unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
-                       unsigned int srcLeft, unsigned int srcTop, unsigned int colour,
-                       unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
-                       unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
-                       unsigned int regionWidth, unsigned int regionHeight, bool exact,
-                       const char *function) {
-  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
-  if (e.rows == 0) return;
-  BlendRows(e, ActiveTrcBlendKernels().colourByWords[FormIndex(exact)], PaintBlend(colour, opacity),
-            [&](std::uint32_t j) {
-              TrcRow row{d.Row(j), e.columns};
-              row.words = s.Row(j);
-              return row;
-            });
-}
-
 }  // namespace
 }  // namespace compositing
 }  // namespace ostrel
+
+namespace frame = ostrel::frame;
+namespace compositing = ostrel::compositing;
 
 void AlphaBlendL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
                         unsigned int srcLeft, unsigned int srcTop, unsigned int colour,
@@ -92,11 +54,11 @@ void AlphaBlendL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned int 
                         unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                         unsigned int regionWidth, unsigned int regionHeight, bool exact,
                         unsigned char *lookup) {
-  const int form = ostrel::compositing::FormIndex(exact);
-  ostrel::compositing::BlendThroughGrey(
-      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-      regionWidth, regionHeight, ostrel::compositing::ActiveTrcBlendKernels().colourByBytes[form],
-      ostrel::compositing::PaintBlend(colour, opacity), lookup, __func__);
+  const int form = compositing::FormIndex(exact);
+  compositing::BlendThroughGrey(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                                dstLeft, dstTop, regionWidth, regionHeight,
+                                compositing::ActiveTrcBlendKernels().colourByBytes[form],
+                                compositing::PaintBlend(colour, opacity), lookup, __func__);
 }
 
 void AlphaBlendL08ToTRCInverted(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
@@ -104,11 +66,11 @@ void AlphaBlendL08ToTRCInverted(unsigned char *src, unsigned int srcWidth, unsig
                                 unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
                                 unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                                 unsigned int regionWidth, unsigned int regionHeight, bool exact) {
-  const int form = ostrel::compositing::FormIndex(exact);
-  ostrel::compositing::BlendThroughGrey(
-      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-      regionWidth, regionHeight, ostrel::compositing::ActiveTrcBlendKernels().colourByInverse[form],
-      ostrel::compositing::PaintBlend(colour, opacity), nullptr, __func__);
+  const int form = compositing::FormIndex(exact);
+  compositing::BlendThroughGrey(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                                dstLeft, dstTop, regionWidth, regionHeight,
+                                compositing::ActiveTrcBlendKernels().colourByInverse[form],
+                                compositing::PaintBlend(colour, opacity), nullptr, __func__);
 }
 
 void AlphaBlendL08ToTRCAndEraseA(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
@@ -117,10 +79,10 @@ void AlphaBlendL08ToTRCAndEraseA(unsigned char *src, unsigned int srcWidth, unsi
                                  unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                                  unsigned int regionWidth, unsigned int regionHeight,
                                  unsigned char *lookup) {
-  ostrel::compositing::BlendThroughGrey(
-      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-      regionWidth, regionHeight, ostrel::compositing::ActiveTrcBlendKernels().colourErasingAlpha,
-      ostrel::compositing::PaintBlend(colour, opacity), lookup, __func__);
+  compositing::BlendThroughGrey(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                                dstLeft, dstTop, regionWidth, regionHeight,
+                                compositing::ActiveTrcBlendKernels().colourErasingAlpha,
+                                compositing::PaintBlend(colour, opacity), lookup, __func__);
 }
 
 void ApplyQuickMaskToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
@@ -128,12 +90,14 @@ void ApplyQuickMaskToTRC(unsigned char *src, unsigned int srcWidth, unsigned int
                          unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
                          unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                          unsigned int regionWidth, unsigned int regionHeight) {
-  ostrel::compositing::BlendThroughGrey(
-      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-      regionWidth, regionHeight, ostrel::compositing::ActiveTrcBlendKernels().quickMask,
-      ostrel::compositing::PaintBlend(colour, opacity), nullptr, __func__);
+  compositing::BlendThroughGrey(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                                dstLeft, dstTop, regionWidth, regionHeight,
+                                compositing::ActiveTrcBlendKernels().quickMask,
+                                compositing::PaintBlend(colour, opacity), nullptr, __func__);
 }
 
+// Toward the grey of each source pixel, through the alpha buffer that shares
+// the source's geometry.
 void AlphaBlendL08WithAlphaBufferToTRC(unsigned char *src, unsigned char *alpha,
                                        unsigned int srcWidth, unsigned int srcHeight,
                                        unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
@@ -141,17 +105,35 @@ void AlphaBlendL08WithAlphaBufferToTRC(unsigned char *src, unsigned char *alpha,
                                        unsigned int dstLeft, unsigned int dstTop,
                                        unsigned char opacity, unsigned int regionWidth,
                                        unsigned int regionHeight, bool /*exact: exact form only*/) {
-  ostrel::compositing::BlendGreyPixelsThroughAlpha(src, alpha, srcWidth, srcHeight, srcLeft, srcTop,
-                                                   dst, dstWidth, dstHeight, dstLeft, dstTop,
-                                                   opacity, regionWidth, regionHeight, __func__);
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto a = frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, __func__);
+  if (e.rows == 0) return;
+  compositing::BlendRows(e, compositing::ActiveTrcBlendKernels().greysByBytes,
+                         compositing::PaintBlend(0, opacity), [&](std::uint32_t j) {
+                           compositing::TrcRow row{d.Row(j), e.columns};
+                           row.greys = s.Row(j);
+                           row.bytes = a.Row(j);
+                           return row;
+                         });
 }
 
+// 12-bit grey words as the coverage.
 void AlphaBlendL12ToTRC(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
                         unsigned int srcLeft, unsigned int srcTop, unsigned int colour,
                         unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
                         unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                         unsigned int regionWidth, unsigned int regionHeight, bool exact) {
-  ostrel::compositing::BlendThroughWords(src, srcWidth, srcHeight, srcLeft, srcTop, colour, dst,
-                                         dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth,
-                                         regionHeight, exact, __func__);
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, __func__);
+  if (e.rows == 0) return;
+  compositing::BlendRows(
+      e, compositing::ActiveTrcBlendKernels().colourByWords[compositing::FormIndex(exact)],
+      compositing::PaintBlend(colour, opacity), [&](std::uint32_t j) {
+        compositing::TrcRow row{d.Row(j), e.columns};
+        row.words = s.Row(j);
+        return row;
+      });
 }

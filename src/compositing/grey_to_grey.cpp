@@ -106,47 +106,6 @@ void BlendL12Shared(unsigned short *src, unsigned char *alpha, unsigned int srcW
            });
 }
 
-// AlphaBlendL08ToL08, the alpha buffer sharing the source's geometry.
-void BlendL08Shared(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
-                    unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
-                    unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
-                    unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
-                    unsigned char blendZero, bool twoLevel, unsigned int regionWidth,
-                    unsigned int regionHeight, const char *function) {
-  if (alpha != nullptr && blendZero != 0) {
-    // Every pixel blended through the alpha buffer: the row kernels.
-    BlendGreysThroughAlpha(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
-                           frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
-                           frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth,
-                           regionHeight, opacity, twoLevel, function);
-    return;
-  }
-  const GreyMode m{opacity, blendZero != 0, false, twoLevel ? 255u : 0u};
-  BlendShared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft,
-              dstTop, regionWidth, regionHeight, m, function);
-}
-
-// AlphaBlendL08ToL08, the alpha buffer with its own geometry.
-void BlendL08Own(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
-                 unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
-                 unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
-                 unsigned int alphaTop, unsigned char *dst, unsigned int dstWidth,
-                 unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-                 unsigned char opacity, unsigned char blendZero, bool twoLevel,
-                 unsigned int regionWidth, unsigned int regionHeight, const char *function) {
-  if (alpha != nullptr && blendZero != 0) {
-    BlendGreysThroughAlpha(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
-                           frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop),
-                           frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth,
-                           regionHeight, opacity, twoLevel, function);
-    return;
-  }
-  const GreyMode m{opacity, blendZero != 0, false, twoLevel && alpha != nullptr ? 255u : 0u};
-  BlendOwn(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight, alphaLeft,
-           alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth, regionHeight, m,
-           function);
-}
-
 }  // namespace
 
 void BlendGreysThroughAlpha(const frame::Plane<unsigned char> &src,
@@ -170,17 +129,31 @@ void BlendGreysThroughAlpha(const frame::Plane<unsigned char> &src,
 }  // namespace compositing
 }  // namespace ostrel
 
+namespace frame = ostrel::frame;
+namespace compositing = ostrel::compositing;
+
+// The alpha buffer sharing the source's geometry.
 void AlphaBlendL08ToL08(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
                         unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
                         unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
                         unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                         unsigned char blendZero, bool twoLevel, unsigned int regionWidth,
                         unsigned int regionHeight, bool /*exact*/) {
-  ostrel::compositing::BlendL08Shared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst,
-                                      dstWidth, dstHeight, dstLeft, dstTop, opacity, blendZero,
-                                      twoLevel, regionWidth, regionHeight, __func__);
+  if (alpha != nullptr && blendZero != 0) {
+    // Every pixel blended through the alpha buffer: the row kernels.
+    compositing::BlendGreysThroughAlpha(
+        frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
+        frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
+        frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight,
+        opacity, twoLevel, __func__);
+    return;
+  }
+  const compositing::GreyMode m{opacity, blendZero != 0, false, twoLevel ? 255u : 0u};
+  compositing::BlendShared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                           dstHeight, dstLeft, dstTop, regionWidth, regionHeight, m, __func__);
 }
 
+// The alpha buffer with its own geometry.
 void AlphaBlendL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
                         unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
                         unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
@@ -188,10 +161,19 @@ void AlphaBlendL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int 
                         unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                         unsigned char opacity, unsigned char blendZero, bool twoLevel,
                         unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
-  ostrel::compositing::BlendL08Own(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth,
-                                   alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight,
-                                   dstLeft, dstTop, opacity, blendZero, twoLevel, regionWidth,
-                                   regionHeight, __func__);
+  if (alpha != nullptr && blendZero != 0) {
+    compositing::BlendGreysThroughAlpha(
+        frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
+        frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop),
+        frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight,
+        opacity, twoLevel, __func__);
+    return;
+  }
+  const compositing::GreyMode m{opacity, blendZero != 0, false,
+                                twoLevel && alpha != nullptr ? 255u : 0u};
+  compositing::BlendOwn(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
+                        alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
+                        regionHeight, m, __func__);
 }
 
 void AlphaBlendL08ToL08FlatAlpha(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
@@ -200,11 +182,10 @@ void AlphaBlendL08ToL08FlatAlpha(unsigned char *src, unsigned char *alpha, unsig
                                  unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                                  unsigned char blendZero, bool twoLevel, unsigned int regionWidth,
                                  unsigned int regionHeight, bool /*exact*/) {
-  const ostrel::compositing::GreyMode m{opacity, blendZero != 0, true,
-                                        twoLevel && alpha != nullptr ? 255u : 0u};
-  ostrel::compositing::BlendShared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                                   dstHeight, dstLeft, dstTop, regionWidth, regionHeight, m,
-                                   __func__);
+  const compositing::GreyMode m{opacity, blendZero != 0, true,
+                                twoLevel && alpha != nullptr ? 255u : 0u};
+  compositing::BlendShared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                           dstHeight, dstLeft, dstTop, regionWidth, regionHeight, m, __func__);
 }
 
 void AlphaBlendL12ToL12(unsigned short *src, unsigned char *alpha, unsigned int srcWidth,
@@ -213,10 +194,10 @@ void AlphaBlendL12ToL12(unsigned short *src, unsigned char *alpha, unsigned int 
                         unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                         unsigned char blendZero, bool twoLevel, unsigned int regionWidth,
                         unsigned int regionHeight, bool /*exact*/) {
-  const ostrel::compositing::GreyMode m{opacity, blendZero != 0, false, 0};
-  ostrel::compositing::BlendL12Shared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst,
-                                      dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
-                                      regionHeight, m, twoLevel, __func__);
+  const compositing::GreyMode m{opacity, blendZero != 0, false, 0};
+  compositing::BlendL12Shared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                              dstHeight, dstLeft, dstTop, regionWidth, regionHeight, m, twoLevel,
+                              __func__);
 }
 
 void AlphaBlendL12ToL12(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
@@ -226,11 +207,11 @@ void AlphaBlendL12ToL12(unsigned short *src, unsigned int srcWidth, unsigned int
                         unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                         unsigned char opacity, unsigned char blendZero, bool twoLevel,
                         unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
-  const ostrel::compositing::GreyMode m{opacity, blendZero != 0, false,
-                                        twoLevel && alpha != nullptr ? 4095u : 0u};
-  ostrel::compositing::BlendOwn(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth,
-                                alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft,
-                                dstTop, regionWidth, regionHeight, m, __func__);
+  const compositing::GreyMode m{opacity, blendZero != 0, false,
+                                twoLevel && alpha != nullptr ? 4095u : 0u};
+  compositing::BlendOwn(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
+                        alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
+                        regionHeight, m, __func__);
 }
 
 void AlphaBlendL12ToL12FlatAlpha(unsigned short *src, unsigned char *alpha, unsigned int srcWidth,
@@ -239,8 +220,8 @@ void AlphaBlendL12ToL12FlatAlpha(unsigned short *src, unsigned char *alpha, unsi
                                  unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                                  unsigned char blendZero, bool twoLevel, unsigned int regionWidth,
                                  unsigned int regionHeight, bool /*exact*/) {
-  const ostrel::compositing::GreyMode m{opacity, blendZero != 0, true, 0};
-  ostrel::compositing::BlendL12Shared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst,
-                                      dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
-                                      regionHeight, m, twoLevel, __func__);
+  const compositing::GreyMode m{opacity, blendZero != 0, true, 0};
+  compositing::BlendL12Shared(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                              dstHeight, dstLeft, dstTop, regionWidth, regionHeight, m, twoLevel,
+                              __func__);
 }

@@ -31,17 +31,93 @@ void ToTwoLevelInPlace(P *buffer, unsigned int width, unsigned int height, unsig
   });
 }
 
-// MarkBG: marks the pixels that no mask covers.
-void MarkUncovered(unsigned char **masks, int *maskIndices, int maskCount, unsigned int maskWidth,
-                   unsigned int maskHeight, unsigned int maskLeft, unsigned int maskTop,
-                   unsigned int colour, unsigned char opacity, unsigned int *dst,
-                   unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                   unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
-                   const char *function) {
+}  // namespace
+}  // namespace compositing
+}  // namespace ostrel
+
+namespace frame = ostrel::frame;
+namespace compositing = ostrel::compositing;
+
+void ConvertL08To2LevelL08(unsigned char *buffer, unsigned int width, unsigned int height,
+                           unsigned int left, unsigned int top, unsigned int regionWidth,
+                           unsigned int regionHeight) {
+  compositing::ToTwoLevelInPlace(buffer, width, height, left, top, regionWidth, regionHeight,
+                                 __func__);
+}
+
+void ConvertL08To2LevelL08(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                           unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
+                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                           unsigned int dstTop, unsigned int regionWidth,
+                           unsigned int regionHeight) {
+  compositing::ConvertRegion(
+      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+      regionWidth, regionHeight, __func__,
+      [](unsigned char v) { return static_cast<unsigned char>(v != 0 ? 255 : 0); });
+}
+
+// In place the full scale is 255, as in the 8-bit form.
+void ConvertL12To2LevelL12(unsigned short *buffer, unsigned int width, unsigned int height,
+                           unsigned int left, unsigned int top, unsigned int regionWidth,
+                           unsigned int regionHeight) {
+  compositing::ToTwoLevelInPlace(buffer, width, height, left, top, regionWidth, regionHeight,
+                                 __func__);
+}
+
+void ConvertL12To2LevelL12(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
+                           unsigned int srcLeft, unsigned int srcTop, unsigned short *dst,
+                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                           unsigned int dstTop, unsigned int regionWidth,
+                           unsigned int regionHeight) {
+  compositing::ConvertRegion(
+      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+      regionWidth, regionHeight, __func__,
+      [](unsigned short v) { return static_cast<unsigned short>(v != 0 ? 4095 : 0); });
+}
+
+void ConvertL12To2LevelL08(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
+                           unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
+                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                           unsigned int dstTop, unsigned int regionWidth,
+                           unsigned int regionHeight) {
+  compositing::ConvertRegion(
+      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+      regionWidth, regionHeight, __func__,
+      [](unsigned short v) { return static_cast<unsigned char>(v != 0 ? 255 : 0); });
+}
+
+void ConvertL012ToL08(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
+                      unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
+                      unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                      unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight) {
+  compositing::ConvertRegion(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                             dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                             [](unsigned short v) { return static_cast<unsigned char>(v >> 4); });
+}
+
+void MarkL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                  unsigned int srcLeft, unsigned int srcTop, bool *selected, unsigned int colour,
+                  unsigned char opacity, unsigned int *dst, unsigned int dstWidth,
+                  unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                  unsigned int regionWidth, unsigned int regionHeight) {
+  compositing::ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                                dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                                [&](unsigned char v, unsigned int &out) {
+                                  if (selected[v])
+                                    out = frame::blend::ExactPixel(out, colour, opacity);
+                                });
+}
+
+// Marks the pixels that no mask covers.
+void MarkBG(unsigned char **masks, int *maskIndices, int maskCount, unsigned int maskWidth,
+            unsigned int maskHeight, unsigned int maskLeft, unsigned int maskTop,
+            unsigned int colour, unsigned char opacity, unsigned int *dst, unsigned int dstWidth,
+            unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+            unsigned int regionWidth, unsigned int regionHeight) {
   // The masks' geometry, as offsets into any one of them.
   const auto m = frame::MakePlane<unsigned char>(nullptr, maskWidth, maskHeight, maskLeft, maskTop);
   const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
-  const frame::Extent e = frame::ClipPair(m, d, regionWidth, regionHeight, function);
+  const frame::Extent e = frame::ClipPair(m, d, regionWidth, regionHeight, __func__);
   for (std::uint32_t j = 0; j < e.rows; ++j) {
     const std::size_t rowStart = (static_cast<std::size_t>(maskTop) + j) * maskWidth + maskLeft;
     unsigned int *out = d.Row(j);
@@ -55,24 +131,41 @@ void MarkUncovered(unsigned char **masks, int *maskIndices, int maskCount, unsig
   }
 }
 
-// DrawContourOfL08toTRC.
-void DrawContour(const unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
-                 unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
-                 unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                 unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
-                 unsigned int colour, const char *function) {
-  using frame::MinU32;
-  OSTREL_EXPECT(function, srcLeft <= srcWidth && srcTop <= srcHeight);
-  OSTREL_EXPECT(function, dstLeft <= dstWidth && dstTop <= dstHeight);
+void MarkL08LimitsToTRCHighBit(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                               unsigned int srcLeft, unsigned int srcTop, unsigned char low,
+                               unsigned char high, unsigned int *dst, unsigned int dstWidth,
+                               unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                               unsigned int regionWidth, unsigned int regionHeight) {
+  compositing::ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                                dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                                [&](unsigned char v, unsigned int &out) {
+                                  if (v == 0) return;
+                                  // The alpha byte is replaced: 0x80 below the limits, 0x40
+                                  // above.
+                                  if (v < low) {
+                                    out = (out & 0x00FFFFFFu) | 0x80000000u;
+                                  } else if (v > high) {
+                                    out = (out & 0x00FFFFFFu) | 0x40000000u;
+                                  }
+                                });
+}
+
+void DrawContourOfL08toTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                           unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
+                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                           unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
+                           unsigned int colour) {
+  OSTREL_EXPECT(__func__, srcLeft <= srcWidth && srcTop <= srcHeight);
+  OSTREL_EXPECT(__func__, dstLeft <= dstWidth && dstTop <= dstHeight);
   // The source region carries a one-pixel border round the drawn area, so
   // the destination may be two pixels narrower and lower than it.
-  const std::uint32_t srcRight = MinU32(srcWidth, srcLeft + regionWidth);
-  const std::uint32_t columns = MinU32(dstWidth + 2, srcRight - srcLeft + dstLeft) - dstLeft;
-  const std::uint32_t srcBottom = MinU32(srcHeight, srcTop + regionHeight);
-  const std::uint32_t rows = MinU32(dstHeight + 2, srcBottom - srcTop + dstTop) - dstTop;
-  OSTREL_EXPECT(function, rows >= 2);
+  const std::uint32_t srcRight = frame::MinU32(srcWidth, srcLeft + regionWidth);
+  const std::uint32_t columns = frame::MinU32(dstWidth + 2, srcRight - srcLeft + dstLeft) - dstLeft;
+  const std::uint32_t srcBottom = frame::MinU32(srcHeight, srcTop + regionHeight);
+  const std::uint32_t rows = frame::MinU32(dstHeight + 2, srcBottom - srcTop + dstTop) - dstTop;
+  OSTREL_EXPECT(__func__, rows >= 2);
   if (rows - 2 == 0) return;
-  OSTREL_EXPECT(function, columns >= 2);
+  OSTREL_EXPECT(__func__, columns >= 2);
   const std::uint32_t inner = columns - 2;
   for (std::uint32_t j = 0; j < rows - 2; ++j) {
     // The source row of the drawn row j starts at its left border pixel.
@@ -102,117 +195,4 @@ void DrawContour(const unsigned char *src, unsigned int srcWidth, unsigned int s
       }
     }
   }
-}
-
-}  // namespace
-}  // namespace compositing
-}  // namespace ostrel
-
-void ConvertL08To2LevelL08(unsigned char *buffer, unsigned int width, unsigned int height,
-                           unsigned int left, unsigned int top, unsigned int regionWidth,
-                           unsigned int regionHeight) {
-  ostrel::compositing::ToTwoLevelInPlace(buffer, width, height, left, top, regionWidth,
-                                         regionHeight, __func__);
-}
-
-void ConvertL08To2LevelL08(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
-                           unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
-                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                           unsigned int dstTop, unsigned int regionWidth,
-                           unsigned int regionHeight) {
-  ostrel::compositing::ConvertRegion(
-      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-      regionWidth, regionHeight, __func__,
-      [](unsigned char v) { return static_cast<unsigned char>(v != 0 ? 255 : 0); });
-}
-
-// In place the full scale is 255, as in the 8-bit form.
-void ConvertL12To2LevelL12(unsigned short *buffer, unsigned int width, unsigned int height,
-                           unsigned int left, unsigned int top, unsigned int regionWidth,
-                           unsigned int regionHeight) {
-  ostrel::compositing::ToTwoLevelInPlace(buffer, width, height, left, top, regionWidth,
-                                         regionHeight, __func__);
-}
-
-void ConvertL12To2LevelL12(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
-                           unsigned int srcLeft, unsigned int srcTop, unsigned short *dst,
-                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                           unsigned int dstTop, unsigned int regionWidth,
-                           unsigned int regionHeight) {
-  ostrel::compositing::ConvertRegion(
-      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-      regionWidth, regionHeight, __func__,
-      [](unsigned short v) { return static_cast<unsigned short>(v != 0 ? 4095 : 0); });
-}
-
-void ConvertL12To2LevelL08(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
-                           unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
-                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                           unsigned int dstTop, unsigned int regionWidth,
-                           unsigned int regionHeight) {
-  ostrel::compositing::ConvertRegion(
-      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-      regionWidth, regionHeight, __func__,
-      [](unsigned short v) { return static_cast<unsigned char>(v != 0 ? 255 : 0); });
-}
-
-void ConvertL012ToL08(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
-                      unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
-                      unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                      unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight) {
-  ostrel::compositing::ConvertRegion(
-      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-      regionWidth, regionHeight, __func__,
-      [](unsigned short v) { return static_cast<unsigned char>(v >> 4); });
-}
-
-void MarkL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
-                  unsigned int srcLeft, unsigned int srcTop, bool *selected, unsigned int colour,
-                  unsigned char opacity, unsigned int *dst, unsigned int dstWidth,
-                  unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-                  unsigned int regionWidth, unsigned int regionHeight) {
-  ostrel::compositing::ForEachPixelPair(
-      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-      regionWidth, regionHeight, __func__, [&](unsigned char v, unsigned int &out) {
-        if (selected[v]) out = ostrel::frame::blend::ExactPixel(out, colour, opacity);
-      });
-}
-
-void MarkBG(unsigned char **masks, int *maskIndices, int maskCount, unsigned int maskWidth,
-            unsigned int maskHeight, unsigned int maskLeft, unsigned int maskTop,
-            unsigned int colour, unsigned char opacity, unsigned int *dst, unsigned int dstWidth,
-            unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-            unsigned int regionWidth, unsigned int regionHeight) {
-  ostrel::compositing::MarkUncovered(masks, maskIndices, maskCount, maskWidth, maskHeight, maskLeft,
-                                     maskTop, colour, opacity, dst, dstWidth, dstHeight, dstLeft,
-                                     dstTop, regionWidth, regionHeight, __func__);
-}
-
-void MarkL08LimitsToTRCHighBit(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
-                               unsigned int srcLeft, unsigned int srcTop, unsigned char low,
-                               unsigned char high, unsigned int *dst, unsigned int dstWidth,
-                               unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-                               unsigned int regionWidth, unsigned int regionHeight) {
-  ostrel::compositing::ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                                        dstHeight, dstLeft, dstTop, regionWidth, regionHeight,
-                                        __func__, [&](unsigned char v, unsigned int &out) {
-                                          if (v == 0) return;
-                                          // The alpha byte is replaced: 0x80 below the limits, 0x40
-                                          // above.
-                                          if (v < low) {
-                                            out = (out & 0x00FFFFFFu) | 0x80000000u;
-                                          } else if (v > high) {
-                                            out = (out & 0x00FFFFFFu) | 0x40000000u;
-                                          }
-                                        });
-}
-
-void DrawContourOfL08toTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
-                           unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
-                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                           unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
-                           unsigned int colour) {
-  ostrel::compositing::DrawContour(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                                   dstHeight, dstLeft, dstTop, regionWidth, regionHeight, colour,
-                                   __func__);
 }

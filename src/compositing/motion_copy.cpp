@@ -82,59 +82,13 @@ struct GreyPixel {
   }
 };
 
-// MotionCopyL08ToL08: rows that do not alias run the grey row kernels.
-void MotionCopyGreyBytes(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
-                         unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
-                         unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
-                         unsigned int alphaTop, unsigned char *dst, unsigned int dstWidth,
-                         unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-                         unsigned char opacity, bool twoLevel, unsigned int regionWidth,
-                         unsigned int regionHeight, _EMotionCopyMode mode, const char *function) {
-  const GreyBlendKernels &kernels = ActiveGreyBlendKernels();
-  const GreyRowKernel kernel = twoLevel ? kernels.greysByAlphaTwoLevel : kernels.greysByAlpha;
-  GreyBlend blend;
-  blend.opacity = opacity;
-  MotionCopy(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight, alphaLeft,
-             alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth, regionHeight, mode,
-             function, GreyPixel<unsigned char>{opacity, twoLevel ? 255u : 0u},
-             [&](unsigned char *out, const unsigned char *in, const unsigned char *cover,
-                 std::uint32_t n) {
-               GreyRow row{out, n};
-               row.src = in;
-               row.alpha = cover;
-               kernel(row, blend);
-             });
-}
-
-// MotionCopyTRCWithAlphaBufferToTRC: rows that do not alias run the colour
-// blend's kernel for source pixels weighted by alpha bytes, exact form.
-void MotionCopyColours(unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
-                       unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
-                       unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
-                       unsigned int alphaTop, unsigned int *dst, unsigned int dstWidth,
-                       unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-                       unsigned char opacity, unsigned int regionWidth, unsigned int regionHeight,
-                       _EMotionCopyMode mode, const char *function) {
-  MotionCopy(
-      src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight, alphaLeft,
-      alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth, regionHeight, mode,
-      function,
-      [opacity](unsigned int d, unsigned int s, unsigned char a) {
-        return ExactPixel(d, s, ExactWeight(a, opacity));
-      },
-      [kernel = ActiveTrcBlendKernels().pixelsByBytes[FormIndex(true)], opacity](
-          unsigned int *out, const unsigned int *in, const unsigned char *cover, std::uint32_t n) {
-        TrcRow row{out, n};
-        row.pixels = in;
-        row.bytes = cover;
-        kernel(row, PaintBlend(0, opacity));
-      });
-}
-
 }  // namespace
 }  // namespace compositing
 }  // namespace ostrel
 
+namespace compositing = ostrel::compositing;
+
+// Rows that do not alias run the grey row kernels.
 void MotionCopyL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
                         unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
                         unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
@@ -142,10 +96,22 @@ void MotionCopyL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int 
                         unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                         unsigned char opacity, bool twoLevel, unsigned int regionWidth,
                         unsigned int regionHeight, _EMotionCopyMode mode, bool /*exact*/) {
-  ostrel::compositing::MotionCopyGreyBytes(src, srcWidth, srcHeight, srcLeft, srcTop, alpha,
-                                           alphaWidth, alphaHeight, alphaLeft, alphaTop, dst,
-                                           dstWidth, dstHeight, dstLeft, dstTop, opacity, twoLevel,
-                                           regionWidth, regionHeight, mode, __func__);
+  const compositing::GreyBlendKernels &kernels = compositing::ActiveGreyBlendKernels();
+  const compositing::GreyRowKernel kernel =
+      twoLevel ? kernels.greysByAlphaTwoLevel : kernels.greysByAlpha;
+  compositing::GreyBlend blend;
+  blend.opacity = opacity;
+  compositing::MotionCopy(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
+                          alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+                          regionWidth, regionHeight, mode, __func__,
+                          compositing::GreyPixel<unsigned char>{opacity, twoLevel ? 255u : 0u},
+                          [&](unsigned char *out, const unsigned char *in,
+                              const unsigned char *cover, std::uint32_t n) {
+                            compositing::GreyRow row{out, n};
+                            row.src = in;
+                            row.alpha = cover;
+                            kernel(row, blend);
+                          });
 }
 
 void MotionCopyL12ToL12(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
@@ -155,20 +121,33 @@ void MotionCopyL12ToL12(unsigned short *src, unsigned int srcWidth, unsigned int
                         unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                         unsigned char opacity, bool twoLevel, unsigned int regionWidth,
                         unsigned int regionHeight, _EMotionCopyMode mode, bool /*exact*/) {
-  ostrel::compositing::MotionCopy(
-      src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight, alphaLeft,
-      alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth, regionHeight, mode,
-      __func__, ostrel::compositing::GreyPixel<unsigned short>{opacity, twoLevel ? 4095u : 0u});
+  compositing::MotionCopy(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
+                          alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+                          regionWidth, regionHeight, mode, __func__,
+                          compositing::GreyPixel<unsigned short>{opacity, twoLevel ? 4095u : 0u});
 }
 
+// Rows that do not alias run the colour blend's kernel
+// for source pixels weighted by alpha bytes, exact form.
 void MotionCopyTRCWithAlphaBufferToTRC(
     unsigned int *src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcLeft,
     unsigned int srcTop, unsigned char *alpha, unsigned int alphaWidth, unsigned int alphaHeight,
     unsigned int alphaLeft, unsigned int alphaTop, unsigned int *dst, unsigned int dstWidth,
     unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
     unsigned int regionWidth, unsigned int regionHeight, _EMotionCopyMode mode, bool /*exact*/) {
-  ostrel::compositing::MotionCopyColours(src, srcWidth, srcHeight, srcLeft, srcTop, alpha,
-                                         alphaWidth, alphaHeight, alphaLeft, alphaTop, dst,
-                                         dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth,
-                                         regionHeight, mode, __func__);
+  compositing::MotionCopy(
+      src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight, alphaLeft,
+      alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth, regionHeight, mode,
+      __func__,
+      [opacity](unsigned int d, unsigned int s, unsigned char a) {
+        return compositing::ExactPixel(d, s, compositing::ExactWeight(a, opacity));
+      },
+      [kernel = compositing::ActiveTrcBlendKernels().pixelsByBytes[compositing::FormIndex(true)],
+       opacity](unsigned int *out, const unsigned int *in, const unsigned char *cover,
+                std::uint32_t n) {
+        compositing::TrcRow row{out, n};
+        row.pixels = in;
+        row.bytes = cover;
+        kernel(row, compositing::PaintBlend(0, opacity));
+      });
 }

@@ -91,8 +91,7 @@ const Table &Pick(const Table &scalar, const Table *sse2, const Table *avx2) {
     case Isa::kSse2:
       if (sse2 != nullptr) return *sse2;
       [[fallthrough]];
-    default:
-      return scalar;
+    default: return scalar;
   }
 }
 

@@ -44,6 +44,8 @@ void InvalidParameter(const char *function, const char *expression, const char *
 }  // namespace frame
 }  // namespace ostrel
 
+namespace frame = ostrel::frame;
+
 OstrelInvalidParameterHandler SetInvalidParameterHandler(OstrelInvalidParameterHandler handler) {
-  return ostrel::frame::platform::g_hostHandler.exchange(handler);
+  return frame::platform::g_hostHandler.exchange(handler);
 }

@@ -19,18 +19,16 @@ FrameworkResult FrameworkValueFor(const CFrameworkMessage *msg) {
 CVornelException AsVornelException(const std::exception_ptr &e) {
   try {
     std::rethrow_exception(e);
-  } catch (const CVornelException &vornel) {
-    return vornel;
-  } catch (const std::bad_alloc &) {
+  } catch (const CVornelException &vornel) { return vornel; } catch (const std::bad_alloc &) {
     return CVornelException(3, "MfcUtilities", 1358);
-  } catch (...) {
-    return CVornelException(1, "MfcUtilities", 1353);
-  }
+  } catch (...) { return CVornelException(1, "MfcUtilities", 1353); }
 }
 
 }  // namespace
 }  // namespace frame
 }  // namespace ostrel
+
+namespace frame = ostrel::frame;
 
 int CWinApp::InitInstance() { return 1; }
 
@@ -40,10 +38,8 @@ FrameworkResult CWinApp::ProcessWndProcException(std::exception_ptr e,
     if (e) std::rethrow_exception(e);
   } catch (const std::exception &ex) {
     std::fprintf(stderr, "Unhandled exception in window procedure: %s\n", ex.what());
-  } catch (...) {
-    std::fprintf(stderr, "Unhandled exception in window procedure\n");
-  }
-  return ostrel::frame::FrameworkValueFor(msg);
+  } catch (...) { std::fprintf(stderr, "Unhandled exception in window procedure\n"); }
+  return frame::FrameworkValueFor(msg);
 }
 
 FrameworkResult CVornelWinAppForRegularDLL::ProcessWndProcException(std::exception_ptr e,
@@ -51,9 +47,9 @@ FrameworkResult CVornelWinAppForRegularDLL::ProcessWndProcException(std::excepti
   ITextManager *textManager = DllGetTextMgr();
   if (textManager == nullptr) return CWinApp::ProcessWndProcException(e, msg);
 
-  if (e) textManager->ReportException(ostrel::frame::AsVornelException(e));
+  if (e) textManager->ReportException(frame::AsVornelException(e));
   textManager->Release();
 
   if (msg != nullptr && msg->message == kWmCommand) return 1;
-  return ostrel::frame::FrameworkValueFor(msg);
+  return frame::FrameworkValueFor(msg);
 }

@@ -20,14 +20,10 @@ namespace platform {
 bool ProcessorFeaturePresent(unsigned int feature) {
   const CpuFeatures f = ReadCpuFeatures();
   switch (feature) {
-    case kFeatureMmx:
-      return f.mmx;
-    case kFeatureSse2:
-      return f.sse2;
-    case kFeatureSse3:
-      return f.sse3;
-    default:
-      return false;
+    case kFeatureMmx: return f.mmx;
+    case kFeatureSse2: return f.sse2;
+    case kFeatureSse3: return f.sse3;
+    default: return false;
   }
 }
 

@@ -134,18 +134,34 @@ class MemMgrReference {
   IMemMgr *manager_;
 };
 
-// The sizing and allocation of CalcAndGetFixedBufferForThreads.
-void AllocateThreadScratch(unsigned int total, unsigned int other, int bytesPerPixel,
-                           unsigned int threadCount, unsigned int *linesPerThread,
-                           unsigned int *pixelsPerLine, unsigned int *lineBytes,
-                           unsigned char **buffer, bool splitLines) {
+}  // namespace
+}  // namespace frame
+}  // namespace ostrel
+
+namespace frame = ostrel::frame;
+
+int IsMMX() { return frame::QueryMmx(); }
+
+SynchStruct *GetSynchStruct() {
+  static frame::Pool pool;
+  return pool.Record();
+}
+
+void SignalSynchEvent(void *event) { frame::platform::SetAutoResetEvent(event); }
+
+void WaitSynchEvent(void *event) { frame::platform::WaitAutoResetEvent(event); }
+
+void CalcAndGetFixedBufferForThreads(unsigned int total, unsigned int other, int bytesPerPixel,
+                                     unsigned int threadCount, unsigned int *linesPerThread,
+                                     unsigned int *pixelsPerLine, unsigned int *lineBytes,
+                                     unsigned char **buffer, bool splitLines) {
   std::uint64_t lines = splitLines ? total / threadCount : other;
   std::uint64_t pixels = splitLines ? other : total / threadCount;
   const std::uint64_t pixelBytes =
       static_cast<std::uint64_t>(static_cast<std::int64_t>(bytesPerPixel));
   std::uint64_t bytes = pixels * pixelBytes;
 
-  MemMgrReference memMgr;
+  frame::MemMgrReference memMgr;
   unsigned int mebibytes = 0;
   if (memMgr.Get() == nullptr) MakeException(kVornelFail, nullptr);
   MakeException(memMgr.Get()->GetMemorySize(&mebibytes), memMgr.Get());
@@ -154,54 +170,33 @@ void AllocateThreadScratch(unsigned int total, unsigned int other, int bytesPerP
   const double half = std::floor(mebibytes * 0.5);
   const std::uint64_t limit = static_cast<std::uint64_t>(std::floor(half * 0.5 * 1048576.0));
 
-  if (SaturatingProduct(SaturatingProduct(lines, threadCount), bytes) > limit) {
+  if (frame::SaturatingProduct(frame::SaturatingProduct(lines, threadCount), bytes) > limit) {
     if (splitLines) {
-      const std::uint64_t slice = SaturatingProduct(threadCount, bytes);
+      const std::uint64_t slice = frame::SaturatingProduct(threadCount, bytes);
       lines = limit / slice;
     } else {
       bytes = limit / (static_cast<std::uint64_t>(other) * threadCount);
     }
   }
   if (splitLines) {
-    if (lines == 0) throw CVornelException(1, kScratchSource, kScratchLine);
+    if (lines == 0) throw CVornelException(1, frame::kScratchSource, frame::kScratchLine);
   } else {
-    if (bytes == 0 || bytes > UINT32_MAX) throw CVornelException(1, kScratchSource, kScratchLine);
+    if (bytes == 0 || bytes > UINT32_MAX)
+      throw CVornelException(1, frame::kScratchSource, frame::kScratchLine);
     pixels = bytes / pixelBytes;
     bytes = pixels * pixelBytes;
   }
   bytes = (bytes + 3) & ~static_cast<std::uint64_t>(3);
 
-  const std::uint64_t size = SaturatingProduct(SaturatingProduct(bytes, lines), threadCount);
+  const std::uint64_t size =
+      frame::SaturatingProduct(frame::SaturatingProduct(bytes, lines), threadCount);
   void *block =
       size <= SIZE_MAX ? g_pLargeAllocator->Allocate(static_cast<std::size_t>(size)) : nullptr;
-  if (block == nullptr) throw CVornelException(3, kScratchSource, kScratchLine);
+  if (block == nullptr) throw CVornelException(3, frame::kScratchSource, frame::kScratchLine);
   std::memset(block, 0, static_cast<std::size_t>(size));
 
   *buffer = static_cast<unsigned char *>(block);
   *lineBytes = static_cast<unsigned int>(bytes);
   *pixelsPerLine = static_cast<unsigned int>(pixels);
   *linesPerThread = static_cast<unsigned int>(lines);
-}
-
-}  // namespace
-}  // namespace frame
-}  // namespace ostrel
-
-int IsMMX() { return ostrel::frame::QueryMmx(); }
-
-SynchStruct *GetSynchStruct() {
-  static ostrel::frame::Pool pool;
-  return pool.Record();
-}
-
-void SignalSynchEvent(void *event) { ostrel::frame::platform::SetAutoResetEvent(event); }
-
-void WaitSynchEvent(void *event) { ostrel::frame::platform::WaitAutoResetEvent(event); }
-
-void CalcAndGetFixedBufferForThreads(unsigned int total, unsigned int other, int bytesPerPixel,
-                                     unsigned int threadCount, unsigned int *linesPerThread,
-                                     unsigned int *pixelsPerLine, unsigned int *lineBytes,
-                                     unsigned char **buffer, bool splitLines) {
-  ostrel::frame::AllocateThreadScratch(total, other, bytesPerPixel, threadCount, linesPerThread,
-                                       pixelsPerLine, lineBytes, buffer, splitLines);
 }

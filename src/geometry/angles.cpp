@@ -37,18 +37,6 @@ double MirrorAngle(double angle, _EAngleMode mode, double shift) {
   return t - 360 * std::floor(t / 360);
 }
 
-// GetAngleRad.
-double DirectionRadians(double x1, double y1, double x2, double y2) {
-  const double dx = x2 - x1, dy = y2 - y1;
-  double offset = 0;
-  if (x2 < x1) offset = kPi;
-  if (dy < 0) offset = x2 < x1 ? kPi : kTwoPi;
-  // A horizontal direction gives pi/2 on either side. A vertical one needs no
-  // case of its own: dy / dx is infinite and atan takes it to +-pi/2.
-  if (dy == 0) return kHalfPi;
-  return std::atan(dy / dx) + offset;
-}
-
 // GetIntersectionDistanceDb.
 double DistanceToLine(double px, double py, double x1, double y1, double x2, double y2,
                       double *angle) {
@@ -89,26 +77,35 @@ std::int32_t GetIntersectionDistanceInt(std::int32_t px, std::int32_t py, std::i
 }  // namespace geometry
 }  // namespace ostrel
 
+namespace geometry = ostrel::geometry;
+
 double GetAngle(double x1, double y1, double x2, double y2) {
   const double dx = x2 - x1, dy = y2 - y1;
   double offset = 0;
   if (dx < 0) offset = 180;
   if (dy < 0) offset = dx >= 0 ? 360 : 180;
   if (dx == 0) return dy >= 0 ? 90 : 270;
-  return std::atan(dy / dx) * 180 / ostrel::geometry::kPi + offset;
+  return std::atan(dy / dx) * 180 / geometry::kPi + offset;
 }
 
 double GetAngleRad(double x1, double y1, double x2, double y2) {
-  return ostrel::geometry::DirectionRadians(x1, y1, x2, y2);
+  const double dx = x2 - x1, dy = y2 - y1;
+  double offset = 0;
+  if (x2 < x1) offset = geometry::kPi;
+  if (dy < 0) offset = x2 < x1 ? geometry::kPi : geometry::kTwoPi;
+  // A horizontal direction gives pi/2 on either side. A vertical one needs no
+  // case of its own: dy / dx is infinite and atan takes it to +-pi/2.
+  if (dy == 0) return geometry::kHalfPi;
+  return std::atan(dy / dx) + offset;
 }
 
 void GetPosition(double distance, double angleDegrees, double *x, double *y) {
-  ostrel::geometry::PositionAt(distance, angleDegrees, *x, *y);
+  geometry::PositionAt(distance, angleDegrees, *x, *y);
 }
 
 void GetPosition(double distance, double angleDegrees, ICoordPair *pair) {
   double x, y;
-  ostrel::geometry::PositionAt(distance, angleDegrees, x, y);
+  geometry::PositionAt(distance, angleDegrees, x, y);
   const VornelStatus status = pair->SetXY(x, y);
   if (status < 0) MakeException(status, pair);
 }
@@ -120,21 +117,21 @@ double GetLength(double x1, double y1, double x2, double y2) {
 
 double GetIntersectionDistanceDb(double px, double py, double x1, double y1, double x2, double y2,
                                  double *angle) {
-  return ostrel::geometry::DistanceToLine(px, py, x1, y1, x2, y2, angle);
+  return geometry::DistanceToLine(px, py, x1, y1, x2, y2, angle);
 }
 
 double GetSystemAngleFromUserAngle(double angle, _EAngleMode mode) {
-  return ostrel::geometry::MirrorAngle(angle, mode, -270);
+  return geometry::MirrorAngle(angle, mode, -270);
 }
 
 double GetUserAngleFromSystemAngle(double angle, _EAngleMode mode) {
-  return ostrel::geometry::MirrorAngle(angle, mode, 90);
+  return geometry::MirrorAngle(angle, mode, 90);
 }
 
 double GetFlexoSizeFromAngle(double length, double ratio, double angleDegrees) {
-  return (1 - ratio) * length / std::tan(angleDegrees / 180 * ostrel::geometry::kPi);
+  return (1 - ratio) * length / std::tan(angleDegrees / 180 * geometry::kPi);
 }
 
 double GetFlexoAngleFromSize(double length, double ratio, double size) {
-  return std::atan2((1 - ratio) * length, size) * 180 / ostrel::geometry::kPi;
+  return std::atan2((1 - ratio) * length, size) * 180 / geometry::kPi;
 }

@@ -86,6 +86,8 @@ std::int32_t Level(double v, std::int32_t maxValue) {
 }  // namespace geometry
 }  // namespace ostrel
 
+namespace geometry = ostrel::geometry;
+
 void CurveInterpolation(int pointValueCount, unsigned short *points, int tableLength, int maxValue,
                         unsigned short *table) {
   const int k = pointValueCount / 2;
@@ -94,7 +96,7 @@ void CurveInterpolation(int pointValueCount, unsigned short *points, int tableLe
     OSTREL_INVALID_PARAMETER_UNLESS(__func__, points[2 * i - 2] <= points[2 * i]);
   }
 
-  ostrel::geometry::Spline s;
+  geometry::Spline s;
   s.x.resize(k);
   s.y.resize(k);
   s.m.resize(k);
@@ -108,7 +110,7 @@ void CurveInterpolation(int pointValueCount, unsigned short *points, int tableLe
   std::int32_t v = s.x[0];
   for (; v < s.x[k - 1]; ++v) {
     *table++ = static_cast<unsigned short>(v);
-    *table++ = static_cast<unsigned short>(ostrel::geometry::Level(s.At(v), maxValue));
+    *table++ = static_cast<unsigned short>(geometry::Level(s.At(v), maxValue));
   }
   // The last point's value up to the end of the table, not clamped.
   for (; v < tableLength; ++v) {

@@ -58,9 +58,11 @@ double Nice(double v, std::int32_t step) {
 }  // namespace geometry
 }  // namespace ostrel
 
-double GetNiceGreaterValue(double v) { return ostrel::geometry::Nice(v, 1); }
+namespace geometry = ostrel::geometry;
 
-double GetNiceSmallerValue(double v) { return ostrel::geometry::Nice(v, -1); }
+double GetNiceGreaterValue(double v) { return geometry::Nice(v, 1); }
+
+double GetNiceSmallerValue(double v) { return geometry::Nice(v, -1); }
 
 double GetLinearInterpoliertenWert(const double *xs, const double *ys, unsigned int count,
                                    double x) {

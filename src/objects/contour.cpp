@@ -20,12 +20,19 @@ const double kStepLength[8] = {g_sqrt2, 1.0, g_sqrt2, 1.0, g_sqrt2, 1.0, g_sqrt2
 
 const unsigned int kRight = 3;
 
-// FollowContour.
+}  // namespace
+}  // namespace objects
+}  // namespace ostrel
+
+namespace objects = ostrel::objects;
+
 template <typename T>
-double TraceContour(T *buffer, T *start, int width, int left, int top, int regionWidth,
-                    int regionHeight, T objectValue, CPoint *points, int *pointCount) {
+double FollowContour(T *buffer, T *start, int width, int /*height*/, int left, int top,
+                     int regionWidth, int regionHeight, T objectValue, CPoint *points,
+                     int *pointCount) {
   std::ptrdiff_t offset[8];
-  for (int d = 0; d < 8; ++d) offset[d] = static_cast<std::ptrdiff_t>(kDy[d]) * width + kDx[d];
+  for (int d = 0; d < 8; ++d)
+    offset[d] = static_cast<std::ptrdiff_t>(objects::kDy[d]) * width + objects::kDx[d];
 
   const std::ptrdiff_t index = start - buffer;
   int x = static_cast<int>(index % width);
@@ -36,7 +43,7 @@ double TraceContour(T *buffer, T *start, int width, int left, int top, int regio
 
   double length = 0.0;
   int count = 0;
-  unsigned int d = kRight;
+  unsigned int d = objects::kRight;
   const T *p = start;
   for (;;) {
     // The next object pixel clockwise from direction d.
@@ -50,32 +57,20 @@ double TraceContour(T *buffer, T *start, int width, int left, int top, int regio
       points[count].y = y;
       ++count;
     }
-    x += kDx[d];
-    y += kDy[d];
+    x += objects::kDx[d];
+    y += objects::kDy[d];
     p += offset[d];
     // The step that leaves the region, closes the contour or passes the
     // runaway guard is not counted.
     if (x < left || x >= right || y < top || y >= bottom) break;
     if (p == start) break;
     if (length > limit) break;
-    length += kStepLength[d];
+    length += objects::kStepLength[d];
     d = (d + 5) & 7u;  // one clockwise past the pixel just left
   }
 done:
   if (pointCount != nullptr) *pointCount = count;
   return length;
-}
-
-}  // namespace
-}  // namespace objects
-}  // namespace ostrel
-
-template <typename T>
-double FollowContour(T *buffer, T *start, int width, int /*height*/, int left, int top,
-                     int regionWidth, int regionHeight, T objectValue, CPoint *points,
-                     int *pointCount) {
-  return ostrel::objects::TraceContour(buffer, start, width, left, top, regionWidth, regionHeight,
-                                       objectValue, points, pointCount);
 }
 
 template OSTREL_API double FollowContour<unsigned char>(unsigned char *buffer, unsigned char *start,

@@ -183,13 +183,19 @@ bool MeasureOrientations(const char *function, const T *labels, int width, const
   return true;
 }
 
-// InitFeatureTables.
-int BuildFeatureTables(int marker, double angleSteps) {
-  FeatureTables &t = g_tables;
+}  // namespace
+}  // namespace objects
+}  // namespace ostrel
+
+namespace frame = ostrel::frame;
+namespace objects = ostrel::objects;
+
+int InitFeatureTables(int marker, double angleSteps) {
+  objects::FeatureTables &t = objects::g_tables;
   if (t.marker != 0) return -1;
   t.marker = marker;
   t.n = frame::TruncToInt32(angleSteps + 0.5);
-  t.scale = angleSteps / (2.0 * kPi);
+  t.scale = angleSteps / (2.0 * objects::kPi);
   t.e = frame::TruncToInt32(t.n * 0.125);
   t.Free();
   if (t.e >= 0 && t.n >= 0) {
@@ -210,9 +216,8 @@ int BuildFeatureTables(int marker, double angleSteps) {
   return 0;
 }
 
-// ReleaseFeatureTables.
-int FreeFeatureTables() {
-  FeatureTables &t = g_tables;
+int ReleaseFeatureTables() {
+  objects::FeatureTables &t = objects::g_tables;
   t.Free();
   t.n = 0;
   t.e = 0;
@@ -221,21 +226,21 @@ int FreeFeatureTables() {
   return 0;
 }
 
-// MultiObjectFeatureExtract.
 template <typename T>
-int ExtractFeatures(const char *function, T *labels, int width, int height, int left, int top,
-                    int regionWidth, int regionHeight, T *values, T firstLabel, int objectCount,
-                    SFeature *features, EFeaturesNeeded needed, unsigned char *aborted) {
+int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int top, int regionWidth,
+                              int regionHeight, T *values, T firstLabel, int objectCount,
+                              SFeature *features, EFeaturesNeeded needed, unsigned char *aborted) {
   *aborted = 0;
   if (features == nullptr) return -1;
   if (objectCount <= 0) return 0;
-  const ClampedRegion r = ClampRegion(width, height, left, top, regionWidth, regionHeight);
+  const objects::ClampedRegion r =
+      objects::ClampRegion(width, height, left, top, regionWidth, regionHeight);
   const bool basic = (needed & eFeatureBasic) != 0;
   const bool centroid = basic && (needed & eFeatureCentroid) != 0;
   const bool orientation = centroid && (needed & eFeatureOrientation) != 0;
   const bool histogram = basic && (needed & eFeatureHistogram) != 0;
 
-  Temporaries tmp;
+  objects::Temporaries tmp;
   if (!tmp.Obtain(objectCount, centroid)) return -1;
   if (histogram) {
     for (int k = 0; k < objectCount; ++k) {
@@ -248,11 +253,11 @@ int ExtractFeatures(const char *function, T *labels, int width, int height, int 
     T *p = labels + rowStart;
     const T *v = values + rowStart;
     for (int c = 0; c < r.width; ++c) {
-      if (EscapePressed()) {
+      if (objects::EscapePressed()) {
         *aborted = 1;
         return -1;
       }
-      const int k = LabelIndex(p[c], firstLabel);
+      const int k = objects::LabelIndex(p[c], firstLabel);
       if (k < 0 || k >= objectCount) continue;
       if (centroid) {
         tmp.sumX[k] += c + 0.5;
@@ -263,7 +268,7 @@ int ExtractFeatures(const char *function, T *labels, int width, int height, int 
         // The object's first pixel in raster order starts its contour.
         features[k].perimeter =
             FollowContour(labels, p + c, width, height, r.left, r.top, r.width, r.height,
-                          ObjectLabel(k, firstLabel), nullptr, nullptr);
+                          objects::ObjectLabel(k, firstLabel), nullptr, nullptr);
         tmp.done[k] = 1;
       }
       ++tmp.counter[k];
@@ -276,7 +281,7 @@ int ExtractFeatures(const char *function, T *labels, int width, int height, int 
     f.pixelCount = count;
     // An object without pixels divides by zero here; its roundness is not
     // a number then.
-    f.roundness = f.perimeter / (2.0 * kPi * std::sqrt(count / kPi));
+    f.roundness = f.perimeter / (2.0 * objects::kPi * std::sqrt(count / objects::kPi));
     if (centroid && count != 0) {
       f.centroidX = tmp.sumX[k] / count + r.left;
       f.centroidY = tmp.sumY[k] / count + r.top;
@@ -287,7 +292,8 @@ int ExtractFeatures(const char *function, T *labels, int width, int height, int 
   }
 
   if (orientation) {
-    if (!MeasureOrientations(function, labels, width, r, firstLabel, objectCount, features)) {
+    if (!objects::MeasureOrientations(__func__, labels, width, r, firstLabel, objectCount,
+                                      features)) {
       *aborted = 1;
       return -1;
     }
@@ -295,25 +301,6 @@ int ExtractFeatures(const char *function, T *labels, int width, int height, int 
     for (int k = 0; k < objectCount; ++k) features[k].orientation = 0.0;
   }
   return 0;
-}
-
-}  // namespace
-}  // namespace objects
-}  // namespace ostrel
-
-int InitFeatureTables(int marker, double angleSteps) {
-  return ostrel::objects::BuildFeatureTables(marker, angleSteps);
-}
-
-int ReleaseFeatureTables() { return ostrel::objects::FreeFeatureTables(); }
-
-template <typename T>
-int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int top, int regionWidth,
-                              int regionHeight, T *values, T firstLabel, int objectCount,
-                              SFeature *features, EFeaturesNeeded needed, unsigned char *aborted) {
-  return ostrel::objects::ExtractFeatures(__func__, labels, width, height, left, top, regionWidth,
-                                          regionHeight, values, firstLabel, objectCount, features,
-                                          needed, aborted);
 }
 
 float GetInterpolatedOverlayFactor(int value, double *table, int count) {

@@ -17,44 +17,48 @@ int StepLabel(int label, bool ascending) {
   return static_cast<int>(ascending ? u + 1u : u - 1u);
 }
 
-// Fill.
+}  // namespace
+}  // namespace objects
+}  // namespace ostrel
+
+namespace objects = ostrel::objects;
+
 template <typename T>
-int FillFromSeed(const char *function, T *buffer, int width, int height, int seedX, int seedY,
-                 int left, int top, int regionWidth, int regionHeight, T fillValue,
-                 int *changedCount) {
+int Fill(T *buffer, int width, int height, int seedX, int seedY, int left, int top, int regionWidth,
+         int regionHeight, T fillValue, int *changedCount) {
   // The seed moves into the buffer, not into the region.
   if (seedX < 0 || seedX > width - 1) seedX = seedX < 0 ? 0 : width - 1;
   if (seedY < 0 || seedY > height - 1) seedY = seedY < 0 ? 0 : height - 1;
-  FillLimits limits;
-  limits.left = ClampInt(left, 0, width - 1);
-  limits.top = ClampInt(top, 0, height - 1);
-  limits.right = limits.left + ClampInt(regionWidth, 0, width - 1 - limits.left);
-  limits.bottom = limits.top + ClampInt(regionHeight, 0, height - 1 - limits.top);
+  objects::FillLimits limits;
+  limits.left = objects::ClampInt(left, 0, width - 1);
+  limits.top = objects::ClampInt(top, 0, height - 1);
+  limits.right = limits.left + objects::ClampInt(regionWidth, 0, width - 1 - limits.left);
+  limits.bottom = limits.top + objects::ClampInt(regionHeight, 0, height - 1 - limits.top);
 
   const T target = buffer[static_cast<std::ptrdiff_t>(seedY) * width + seedX];
   if (changedCount != nullptr) *changedCount = 1;
   // Filling a region with its own value would change nothing.
-  OSTREL_EXPECT(function, fillValue != target);
+  OSTREL_EXPECT(__func__, fillValue != target);
   if (fillValue == target) return 0;
 
-  FillEngine<T> engine;
+  objects::FillEngine<T> engine;
   const std::size_t filled = engine.Fill(buffer, width, seedX, seedY, limits, target, fillValue);
   if (changedCount != nullptr) *changedCount += static_cast<int>(filled);
   return 0;
 }
 
-// ColorBinaryObjects.
 template <typename T>
-int LabelObjects(T *buffer, int width, int height, int left, int top, int regionWidth,
-                 int regionHeight, T backgroundValue, T objectValue, T firstLabel, bool ascending,
-                 int endLabel) {
-  const ClampedRegion r = ClampRegion(width, height, left, top, regionWidth, regionHeight);
+int ColorBinaryObjects(T *buffer, int width, int height, int left, int top, int regionWidth,
+                       int regionHeight, T backgroundValue, T objectValue, T firstLabel,
+                       bool ascending, int endLabel) {
+  const objects::ClampedRegion r =
+      objects::ClampRegion(width, height, left, top, regionWidth, regionHeight);
   if (r.height < 1) return 0;
   // Fill's inclusive limits for this region: one column and one row beyond
   // the scanned ones.
-  const FillLimits limits = {r.left, r.top, r.left + r.width, r.top + r.height};
+  const objects::FillLimits limits = {r.left, r.top, r.left + r.width, r.top + r.height};
 
-  FillEngine<T> engine;
+  objects::FillEngine<T> engine;
   T label = firstLabel;
   int count = 0;
   for (int y = r.top; y < r.top + r.height; ++y) {
@@ -74,31 +78,11 @@ int LabelObjects(T *buffer, int width, int height, int left, int top, int region
         ++count;
         ++c;
       }
-      label = StepLabel(label, ascending);
+      label = objects::StepLabel(label, ascending);
       if (ascending ? static_cast<int>(label) == endLabel : label == 1) return count;
     }
   }
   return count;
-}
-
-}  // namespace
-}  // namespace objects
-}  // namespace ostrel
-
-template <typename T>
-int Fill(T *buffer, int width, int height, int seedX, int seedY, int left, int top, int regionWidth,
-         int regionHeight, T fillValue, int *changedCount) {
-  return ostrel::objects::FillFromSeed(__func__, buffer, width, height, seedX, seedY, left, top,
-                                       regionWidth, regionHeight, fillValue, changedCount);
-}
-
-template <typename T>
-int ColorBinaryObjects(T *buffer, int width, int height, int left, int top, int regionWidth,
-                       int regionHeight, T backgroundValue, T objectValue, T firstLabel,
-                       bool ascending, int endLabel) {
-  return ostrel::objects::LabelObjects(buffer, width, height, left, top, regionWidth, regionHeight,
-                                       backgroundValue, objectValue, firstLabel, ascending,
-                                       endLabel);
 }
 
 template OSTREL_API int Fill<unsigned char>(unsigned char *buffer, int width, int height, int seedX,

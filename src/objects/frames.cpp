@@ -54,6 +54,9 @@ void ForEachBoundaryPixel(const unsigned char *src, unsigned int width, unsigned
 }  // namespace objects
 }  // namespace ostrel
 
+namespace frame = ostrel::frame;
+namespace objects = ostrel::objects;
+
 int *CreateDistTableForSoftFrame(unsigned int R) {
   const std::size_t side = 2 * static_cast<std::size_t>(R) + 1;
   int *table = new int[side * side];
@@ -61,8 +64,7 @@ int *CreateDistTableForSoftFrame(unsigned int R) {
   int *entry = table;
   for (long long dy = -r; dy <= r; ++dy) {
     for (long long dx = -r; dx <= r; ++dx) {
-      *entry++ =
-          ostrel::frame::TruncToInt32(std::sqrt(static_cast<double>(dx * dx + dy * dy)) + 0.5);
+      *entry++ = frame::TruncToInt32(std::sqrt(static_cast<double>(dx * dx + dy * dy)) + 0.5);
     }
   }
   return table;
@@ -72,9 +74,9 @@ void SoftFrameL08toL08(unsigned char *src, unsigned char *dst, unsigned int widt
                        unsigned int height, int *distTable, unsigned int R,
                        unsigned int frameWidth) {
   const int fw = static_cast<int>(frameWidth);
-  ostrel::objects::ForEachBoundaryPixel(src, width, height, frameWidth, false, [&](std::size_t i) {
+  objects::ForEachBoundaryPixel(src, width, height, frameWidth, false, [&](std::size_t i) {
     const int s = src[i];
-    ostrel::objects::ForEachFramePixel(
+    objects::ForEachFramePixel(
         dst + i, width, distTable, R, frameWidth, [&](unsigned char &t, int d) {
           // Only the low 8 bits are kept: at distance 0 the value can pass 255.
           const unsigned char v = static_cast<unsigned char>(((fw + 1 - d) * s) / fw);
@@ -86,20 +88,20 @@ void SoftFrameL08toL08(unsigned char *src, unsigned char *dst, unsigned int widt
 void HardFrameL08toL08(unsigned char *src, unsigned char *dst, unsigned int width,
                        unsigned int height, int *distTable, unsigned int R, unsigned int frameWidth,
                        bool fullValue) {
-  ostrel::objects::ForEachBoundaryPixel(src, width, height, frameWidth, false, [&](std::size_t i) {
+  objects::ForEachBoundaryPixel(src, width, height, frameWidth, false, [&](std::size_t i) {
     const unsigned char v = fullValue ? 255 : src[i];
-    ostrel::objects::ForEachFramePixel(dst + i, width, distTable, R, frameWidth,
-                                       [v](unsigned char &t, int) {
-                                         if (v > t) t = v;
-                                       });
+    objects::ForEachFramePixel(dst + i, width, distTable, R, frameWidth,
+                               [v](unsigned char &t, int) {
+                                 if (v > t) t = v;
+                               });
   });
 }
 
 void HardFrameDownL08toL08(unsigned char *src, unsigned char *dst, unsigned int width,
                            unsigned int height, int *distTable, unsigned int R,
                            unsigned int frameWidth) {
-  ostrel::objects::ForEachBoundaryPixel(src, width, height, frameWidth, true, [&](std::size_t i) {
-    ostrel::objects::ForEachFramePixel(dst + i, width, distTable, R, frameWidth,
-                                       [](unsigned char &t, int) { t = 0; });
+  objects::ForEachBoundaryPixel(src, width, height, frameWidth, true, [&](std::size_t i) {
+    objects::ForEachFramePixel(dst + i, width, distTable, R, frameWidth,
+                               [](unsigned char &t, int) { t = 0; });
   });
 }

@@ -51,51 +51,67 @@ bool WithinTolerance(std::uint32_t difference, std::uint32_t n) {
   return magnitude <= n;
 }
 
-// kgV: the product wraps before the division.
-std::int32_t LeastCommonMultiple(std::int32_t a, std::int32_t b) {
-  const std::int32_t divisor = Euclid(a, b);
-  return Quot(Mul(a, b), divisor);
+}  // namespace
+}  // namespace repeat
+}  // namespace ostrel
+
+namespace frame = ostrel::frame;
+namespace repeat = ostrel::repeat;
+
+int ggT(int a, int b) {
+  OSTREL_EXPECT(__func__, b != 0);
+  return repeat::Euclid(a, b);
 }
 
-// NUeberK: n <= k gives 1; otherwise the product of the factors above
-// max(k, n - k), divided by the factorial of the other.
-std::uint32_t Binomial(const char *function, std::uint32_t n, std::uint32_t k) {
+// The product wraps before the division.
+int kgV(int a, int b) {
+  OSTREL_EXPECT(__func__, b != 0);
+  const std::int32_t divisor = repeat::Euclid(a, b);
+  return repeat::Quot(repeat::Mul(a, b), divisor);
+}
+
+unsigned int Fakultaet(unsigned int n) { return repeat::RunningProduct(2, n); }
+
+// n <= k gives 1; otherwise the product of the factors above max(k, n - k),
+// divided by the factorial of the other.
+unsigned int NUeberK(unsigned int n, unsigned int k) {
   if (n <= k) return 1;
   const std::uint32_t d = n - k;
   std::uint32_t product, divisor;
   if (d > k) {
-    product = RunningProduct(std::uint64_t{d} + 1, n);
-    divisor = RunningProduct(2, k);  // k!, as Fakultaet
+    product = repeat::RunningProduct(std::uint64_t{d} + 1, n);
+    divisor = repeat::RunningProduct(2, k);  // k!, as Fakultaet
   } else {
-    product = RunningProduct(std::uint64_t{k} + 1, n);
-    divisor = RunningProduct(2, d);  // d!
+    product = repeat::RunningProduct(std::uint64_t{k} + 1, n);
+    divisor = repeat::RunningProduct(2, d);  // d!
   }
-  OSTREL_EXPECT(function, divisor != 0);
-  return product / Divisor(divisor);
+  OSTREL_EXPECT(__func__, divisor != 0);
+  return product / repeat::Divisor(divisor);
 }
 
-// SetInRappAndCalcRapp: the index from the truncated size, the rest from the
-// exact one.
-std::int32_t PositionInRepeat(const char *function, double position, double repeatSize,
-                              double epsilon, std::int32_t *repeatIndex) {
-  const std::int32_t q = RepeatIndex(function, position, repeatSize, epsilon);
+int GetRapport(double position, double repeatSize, double epsilon) {
+  return repeat::RepeatIndex(__func__, position, repeatSize, epsilon);
+}
+
+// The index from the truncated size, the rest from the exact one.
+int SetInRappAndCalcRapp(double position, double repeatSize, double epsilon, int *repeatIndex) {
+  const std::int32_t q = repeat::RepeatIndex(__func__, position, repeatSize, epsilon);
   *repeatIndex = q;
   const double r = position - q * repeatSize;
   if (r == repeatSize) return 0;
   return frame::TruncToInt32(r);
 }
 
-// CalcNrOfHDropRepeats.
-std::int32_t RepeatsUntilDropReturns(std::uint32_t repeatLength, std::uint32_t drop) {
+int CalcNrOfHDropRepeats(unsigned int repeatLength, unsigned int drop) {
   if (drop == 0) return 1;
   if (drop <= repeatLength / 2) {
     for (std::uint32_t n = 2; n <= 20; ++n) {
-      if (WithinTolerance(n * drop - repeatLength, n)) return static_cast<std::int32_t>(n);
+      if (repeat::WithinTolerance(n * drop - repeatLength, n)) return static_cast<std::int32_t>(n);
     }
   } else {
     // The same test on the complementary drop repeatLength - drop.
     for (std::uint32_t n = 2; n <= 20; ++n) {
-      if (WithinTolerance((n - 1) * repeatLength - n * drop, n)) {
+      if (repeat::WithinTolerance((n - 1) * repeatLength - n * drop, n)) {
         return static_cast<std::int32_t>(n);
       }
     }
@@ -103,107 +119,64 @@ std::int32_t RepeatsUntilDropReturns(std::uint32_t repeatLength, std::uint32_t d
   return -1;
 }
 
-// CalcParts: the run split at the seams of two layouts.
-void SplitAtTwoSeams(std::int32_t period1, std::int32_t position1, std::int32_t period2,
-                     std::int32_t position2, std::int32_t length, std::int32_t *partCount,
-                     std::int32_t *parts) {
-  const std::int32_t m1 = period1 == 0 ? 0 : FloorMod(position1, period1);
-  const std::int32_t m2 = period2 == 0 ? 0 : FloorMod(position2, period2);
-  const std::int32_t toSeam1 = Sub(period1, m1);  // pixels up to the first layout's seam
-  const std::int32_t toSeam2 = Sub(period2, m2);
-  if (Add(m1, length) <= period1) {
+// The run split at the seams of two layouts.
+void CalcParts(int period1, int position1, int period2, int position2, int length, int *partCount,
+               int *parts) {
+  const std::int32_t m1 = period1 == 0 ? 0 : repeat::FloorMod(position1, period1);
+  const std::int32_t m2 = period2 == 0 ? 0 : repeat::FloorMod(position2, period2);
+  const std::int32_t toSeam1 = repeat::Sub(period1, m1);  // pixels up to the first layout's seam
+  const std::int32_t toSeam2 = repeat::Sub(period2, m2);
+  if (repeat::Add(m1, length) <= period1) {
     *partCount = 1;
     parts[0] = length;
-    if (Add(m2, length) > period2) {
+    if (repeat::Add(m2, length) > period2) {
       *partCount = 2;
       parts[0] = toSeam2;
-      parts[1] = Sub(Add(m2, length), period2);
+      parts[1] = repeat::Sub(repeat::Add(m2, length), period2);
     }
     return;
   }
   *partCount = 2;
   parts[0] = toSeam1;
-  parts[1] = Sub(length, toSeam1);
-  if (Add(toSeam1, m2) > period2) {
+  parts[1] = repeat::Sub(length, toSeam1);
+  if (repeat::Add(toSeam1, m2) > period2) {
     // The second layout's seam comes first.
     *partCount = 3;
     parts[0] = toSeam2;
-    parts[1] = Sub(toSeam1, toSeam2);
-    parts[2] = Sub(length, toSeam1);
-  } else if (Add(m2, length) > period2) {
+    parts[1] = repeat::Sub(toSeam1, toSeam2);
+    parts[2] = repeat::Sub(length, toSeam1);
+  } else if (repeat::Add(m2, length) > period2) {
     // Also when both seams fall on the same pixel: the middle piece is 0.
     *partCount = 3;
     parts[0] = toSeam1;
-    parts[1] = Sub(toSeam2, toSeam1);
-    parts[2] = Sub(length, toSeam2);
+    parts[1] = repeat::Sub(toSeam2, toSeam1);
+    parts[2] = repeat::Sub(length, toSeam2);
   }
 }
 
-// CalcParts2: the run split at every seam of one layout.
-void SplitAtEverySeam(const char *function, std::int32_t period, std::int32_t position,
-                      std::int32_t length, std::int32_t *partCount, std::int32_t *parts) {
+// The run split at every seam of one layout.
+void CalcParts2(int period, int position, int length, int *partCount, int *parts) {
   if (period == 0) {
     *partCount = 0;
     parts[0] = length;  // written although the count says none
     return;
   }
-  OSTREL_EXPECT(function, period > 0);
-  const std::int32_t m = FloorMod(position, period);
-  if (Add(m, length) <= period) {
+  OSTREL_EXPECT(__func__, period > 0);
+  const std::int32_t m = repeat::FloorMod(position, period);
+  if (repeat::Add(m, length) <= period) {
     *partCount = 1;
     parts[0] = length;
     return;
   }
   *partCount = 2;
-  parts[0] = Sub(period, m);
-  const std::int32_t rest = Sub(length, parts[0]);
+  parts[0] = repeat::Sub(period, m);
+  const std::int32_t rest = repeat::Sub(length, parts[0]);
   parts[1] = rest;
   if (rest > period) {
-    const std::int32_t q = Quot(rest, period);
-    const std::int32_t r = Rem(rest, period);
+    const std::int32_t q = repeat::Quot(rest, period);
+    const std::int32_t r = repeat::Rem(rest, period);
     for (std::int64_t i = 1; i <= q; ++i) parts[i] = period;
     parts[std::int64_t{q} + 1] = r;  // 0 when the rest is a multiple of the period
-    *partCount = Add(2, q);
+    *partCount = repeat::Add(2, q);
   }
-}
-
-}  // namespace
-}  // namespace repeat
-}  // namespace ostrel
-
-int ggT(int a, int b) {
-  OSTREL_EXPECT(__func__, b != 0);
-  return ostrel::repeat::Euclid(a, b);
-}
-
-int kgV(int a, int b) {
-  OSTREL_EXPECT(__func__, b != 0);
-  return ostrel::repeat::LeastCommonMultiple(a, b);
-}
-
-unsigned int Fakultaet(unsigned int n) { return ostrel::repeat::RunningProduct(2, n); }
-
-unsigned int NUeberK(unsigned int n, unsigned int k) {
-  return ostrel::repeat::Binomial(__func__, n, k);
-}
-
-int GetRapport(double position, double repeatSize, double epsilon) {
-  return ostrel::repeat::RepeatIndex(__func__, position, repeatSize, epsilon);
-}
-
-int SetInRappAndCalcRapp(double position, double repeatSize, double epsilon, int *repeatIndex) {
-  return ostrel::repeat::PositionInRepeat(__func__, position, repeatSize, epsilon, repeatIndex);
-}
-
-int CalcNrOfHDropRepeats(unsigned int repeatLength, unsigned int drop) {
-  return ostrel::repeat::RepeatsUntilDropReturns(repeatLength, drop);
-}
-
-void CalcParts(int period1, int position1, int period2, int position2, int length, int *partCount,
-               int *parts) {
-  ostrel::repeat::SplitAtTwoSeams(period1, position1, period2, position2, length, partCount, parts);
-}
-
-void CalcParts2(int period, int position, int length, int *partCount, int *parts) {
-  ostrel::repeat::SplitAtEverySeam(__func__, period, position, length, partCount, parts);
 }

@@ -160,93 +160,86 @@ void MillimetresToScreen(const ScreenMapping &map, double mmX, double mmY,
   *sy = map.Y(remainderY * zoomY + Mul(repeatY, map.viewRepeatHeight));
 }
 
-// FPToVP.
-void FileToView(const char *function, std::int32_t fx, std::int32_t fy, std::int32_t *vx,
-                std::int32_t *vy, std::uint32_t repeatWidth, std::uint32_t repeatHeight,
-                std::uint32_t drop, std::int32_t dropKind, double zoomX, double zoomY,
-                bool foldIntoRepeat) {
-  const std::int32_t viewRepeatWidth = ViewRepeatSize(repeatWidth, zoomX);
-  const std::int32_t viewRepeatHeight = ViewRepeatSize(repeatHeight, zoomY);
-  const std::int32_t repeatX = FloorDiv(fx, repeatWidth);
-  const std::int32_t repeatY = FloorDiv(fy, repeatHeight);
-  if (!Converts(dropKind)) {
-    *vx = 0;
-    *vy = 0;
-    return;
-  }
-  OSTREL_EXPECT(function, repeatWidth != 0);
-  OSTREL_EXPECT(function, repeatHeight != 0);
-  const double insideX = FloorMod(fx, repeatWidth);  // fx mod repeatWidth
-  const double insideY = FloorMod(fy, repeatHeight);
-  if (!foldIntoRepeat) {
-    *vx = frame::TruncToInt32(zoomX * insideX + Mul(repeatX, viewRepeatWidth));
-    *vy = frame::TruncToInt32(zoomY * insideY + Mul(repeatY, viewRepeatHeight));
-  } else if (dropKind == kDropVertical) {
-    OSTREL_EXPECT(function, viewRepeatHeight != 0);
-    *vx = frame::TruncToInt32(zoomX * insideX);
-    *vy = FloorMod(frame::TruncToInt32(Mul(repeatY, viewRepeatHeight) + insideY * zoomY -
-                                       zoomY * drop * repeatX),
-                   viewRepeatHeight);
-  } else {
-    OSTREL_EXPECT(function, viewRepeatWidth != 0);
-    *vx = FloorMod(frame::TruncToInt32(Mul(repeatX, viewRepeatWidth) + insideX * zoomX -
-                                       zoomX * drop * repeatY),
-                   viewRepeatWidth);
-    *vy = frame::TruncToInt32(zoomY * insideY);
-  }
-}
-
 }  // namespace
 }  // namespace repeat
 }  // namespace ostrel
 
+namespace frame = ostrel::frame;
+namespace repeat = ostrel::repeat;
+
 void VPToFP(int vx, int vy, int *fx, int *fy, unsigned int repeatWidth, unsigned int repeatHeight,
             unsigned int drop, _EDropKind dropKind, double zoomX, double zoomY,
             bool foldIntoRepeat) {
-  const ostrel::repeat::IntegerDropTerm term{drop};
-  ostrel::repeat::ViewToFile(__func__, vx, vy, fx, fy, repeatWidth, repeatHeight, term, term,
-                             dropKind, zoomX, zoomY, foldIntoRepeat);
+  const repeat::IntegerDropTerm term{drop};
+  repeat::ViewToFile(__func__, vx, vy, fx, fy, repeatWidth, repeatHeight, term, term, dropKind,
+                     zoomX, zoomY, foldIntoRepeat);
 }
 
 void VPToFPDb(int vx, int vy, int *fx, int *fy, unsigned int repeatWidth, unsigned int repeatHeight,
               double dropRatio, double repeatWidthExact, double repeatHeightExact,
               _EDropKind dropKind, double zoomX, double zoomY, bool foldIntoRepeat) {
-  ostrel::repeat::ViewToFile(__func__, vx, vy, fx, fy, repeatWidth, repeatHeight,
-                             ostrel::repeat::RoundedDropTerm{dropRatio, repeatHeightExact},
-                             ostrel::repeat::RoundedDropTerm{dropRatio, repeatWidthExact}, dropKind,
-                             zoomX, zoomY, foldIntoRepeat);
+  repeat::ViewToFile(__func__, vx, vy, fx, fy, repeatWidth, repeatHeight,
+                     repeat::RoundedDropTerm{dropRatio, repeatHeightExact},
+                     repeat::RoundedDropTerm{dropRatio, repeatWidthExact}, dropKind, zoomX, zoomY,
+                     foldIntoRepeat);
 }
 
 void FPToVP(int fx, int fy, int *vx, int *vy, unsigned int repeatWidth, unsigned int repeatHeight,
             unsigned int drop, _EDropKind dropKind, double zoomX, double zoomY,
             bool foldIntoRepeat) {
-  ostrel::repeat::FileToView(__func__, fx, fy, vx, vy, repeatWidth, repeatHeight, drop, dropKind,
-                             zoomX, zoomY, foldIntoRepeat);
+  const std::int32_t viewRepeatWidth = repeat::ViewRepeatSize(repeatWidth, zoomX);
+  const std::int32_t viewRepeatHeight = repeat::ViewRepeatSize(repeatHeight, zoomY);
+  const std::int32_t repeatX = repeat::FloorDiv(fx, repeatWidth);
+  const std::int32_t repeatY = repeat::FloorDiv(fy, repeatHeight);
+  if (!repeat::Converts(dropKind)) {
+    *vx = 0;
+    *vy = 0;
+    return;
+  }
+  OSTREL_EXPECT(__func__, repeatWidth != 0);
+  OSTREL_EXPECT(__func__, repeatHeight != 0);
+  const double insideX = repeat::FloorMod(fx, repeatWidth);  // fx mod repeatWidth
+  const double insideY = repeat::FloorMod(fy, repeatHeight);
+  if (!foldIntoRepeat) {
+    *vx = frame::TruncToInt32(zoomX * insideX + repeat::Mul(repeatX, viewRepeatWidth));
+    *vy = frame::TruncToInt32(zoomY * insideY + repeat::Mul(repeatY, viewRepeatHeight));
+  } else if (dropKind == repeat::kDropVertical) {
+    OSTREL_EXPECT(__func__, viewRepeatHeight != 0);
+    *vx = frame::TruncToInt32(zoomX * insideX);
+    *vy = repeat::FloorMod(frame::TruncToInt32(repeat::Mul(repeatY, viewRepeatHeight) +
+                                               insideY * zoomY - zoomY * drop * repeatX),
+                           viewRepeatHeight);
+  } else {
+    OSTREL_EXPECT(__func__, viewRepeatWidth != 0);
+    *vx = repeat::FloorMod(frame::TruncToInt32(repeat::Mul(repeatX, viewRepeatWidth) +
+                                               insideX * zoomX - zoomX * drop * repeatY),
+                           viewRepeatWidth);
+    *vy = frame::TruncToInt32(zoomY * insideY);
+  }
 }
 
 void FPToSnappedSP(int fx, int fy, int *sx, int *sy, int scrollX, int scrollY,
                    unsigned int windowHeight, unsigned int repeatWidth, unsigned int repeatHeight,
                    unsigned int /*drop*/, _EDropKind dropKind, double zoomX, double zoomY,
                    unsigned char snap, bool bottomUp) {
-  if (!ostrel::repeat::Converts(dropKind)) return;
-  const ostrel::repeat::ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight,
-                                          zoomX, zoomY, snap, bottomUp);
-  ostrel::repeat::FileToScreen(__func__, map, fx, fy, repeatWidth, repeatHeight, zoomX, zoomY, sx,
-                               sy);
+  if (!repeat::Converts(dropKind)) return;
+  const repeat::ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight, zoomX,
+                                  zoomY, snap, bottomUp);
+  repeat::FileToScreen(__func__, map, fx, fy, repeatWidth, repeatHeight, zoomX, zoomY, sx, sy);
 }
 
 void FPToSnappedSP(int *fxs, int *fys, int count, int **sxs, int **sys, int scrollX, int scrollY,
                    unsigned int windowHeight, unsigned int repeatWidth, unsigned int repeatHeight,
                    unsigned int /*drop*/, _EDropKind dropKind, double zoomX, double zoomY,
                    unsigned char snap, bool bottomUp) {
-  if (!ostrel::repeat::Converts(dropKind)) return;
-  const ostrel::repeat::ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight,
-                                          zoomX, zoomY, snap, bottomUp);
+  if (!repeat::Converts(dropKind)) return;
+  const repeat::ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight, zoomX,
+                                  zoomY, snap, bottomUp);
   int *const outX = *sxs;
   int *const outY = *sys;
   for (int i = 0; i < count; ++i) {
-    ostrel::repeat::FileToScreen(__func__, map, fxs[i], fys[i], repeatWidth, repeatHeight, zoomX,
-                                 zoomY, &outX[i], &outY[i]);
+    repeat::FileToScreen(__func__, map, fxs[i], fys[i], repeatWidth, repeatHeight, zoomX, zoomY,
+                         &outX[i], &outY[i]);
   }
 }
 
@@ -255,11 +248,11 @@ void MMToSnappedSP(double mmX, double mmY, int *sx, int *sy, int scrollX, int sc
                    unsigned int /*drop*/, _EDropKind dropKind, double resolutionX,
                    double resolutionY, double zoomX, double zoomY, unsigned char snap,
                    bool bottomUp) {
-  if (!ostrel::repeat::Converts(dropKind)) return;
-  const ostrel::repeat::ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight,
-                                          zoomX, zoomY, snap, bottomUp);
-  ostrel::repeat::MillimetresToScreen(map, mmX, mmY, repeatWidth, repeatHeight, resolutionX,
-                                      resolutionY, zoomX, zoomY, sx, sy);
+  if (!repeat::Converts(dropKind)) return;
+  const repeat::ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight, zoomX,
+                                  zoomY, snap, bottomUp);
+  repeat::MillimetresToScreen(map, mmX, mmY, repeatWidth, repeatHeight, resolutionX, resolutionY,
+                              zoomX, zoomY, sx, sy);
 }
 
 void MMToSnappedSP(double *mmXs, double *mmYs, int count, int **sxs, int **sys, int scrollX,
@@ -267,13 +260,13 @@ void MMToSnappedSP(double *mmXs, double *mmYs, int count, int **sxs, int **sys, 
                    unsigned int repeatHeight, unsigned int /*drop*/, _EDropKind dropKind,
                    double resolutionX, double resolutionY, double zoomX, double zoomY,
                    unsigned char snap, bool bottomUp) {
-  if (!ostrel::repeat::Converts(dropKind)) return;
-  const ostrel::repeat::ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight,
-                                          zoomX, zoomY, snap, bottomUp);
+  if (!repeat::Converts(dropKind)) return;
+  const repeat::ScreenMapping map(scrollX, scrollY, windowHeight, repeatWidth, repeatHeight, zoomX,
+                                  zoomY, snap, bottomUp);
   int *const outX = *sxs;
   int *const outY = *sys;
   for (int i = 0; i < count; ++i) {
-    ostrel::repeat::MillimetresToScreen(map, mmXs[i], mmYs[i], repeatWidth, repeatHeight,
-                                        resolutionX, resolutionY, zoomX, zoomY, &outX[i], &outY[i]);
+    repeat::MillimetresToScreen(map, mmXs[i], mmYs[i], repeatWidth, repeatHeight, resolutionX,
+                                resolutionY, zoomX, zoomY, &outX[i], &outY[i]);
   }
 }

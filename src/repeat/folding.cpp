@@ -145,27 +145,6 @@ void FoldInteger(const char *function, std::int32_t x, std::int32_t y, std::uint
   *yInRepeat = Signed(fy);
 }
 
-// SetInRappDb: one repeat step is dropRatio * repeatHeightExact (vertical)
-// or dropRatio * repeatWidthExact (horizontal), the product formed first.
-void FoldIntoRepeatDb(const char *function, std::int32_t x, std::int32_t y,
-                      std::uint32_t repeatWidth, std::uint32_t repeatHeight, double dropRatio,
-                      double repeatWidthExact, double repeatHeightExact, std::int32_t dropKind,
-                      std::int32_t *xInRepeat, std::int32_t *yInRepeat) {
-  const double step =
-      dropKind == kDropVertical ? dropRatio * repeatHeightExact : dropRatio * repeatWidthExact;
-  FoldInteger(function, x, y, repeatWidth, repeatHeight, dropKind, TruncatedDrop(step), xInRepeat,
-              yInRepeat);
-}
-
-// SetInRappMM: every number a double.
-void FoldIntoRepeatMM(const char *function, double x, double y, double repeatWidth,
-                      double repeatHeight, double drop, std::int32_t dropKind, double *xInRepeat,
-                      double *yInRepeat) {
-  Fold(function, x, y, repeatWidth, repeatHeight, dropKind, Doubles(drop));
-  *xInRepeat = x;
-  *yInRepeat = y;
-}
-
 }  // namespace
 
 void FoldIntoRepeat(const char *function, std::int32_t x, std::int32_t y, std::uint32_t repeatWidth,
@@ -178,22 +157,29 @@ void FoldIntoRepeat(const char *function, std::int32_t x, std::int32_t y, std::u
 }  // namespace repeat
 }  // namespace ostrel
 
+namespace repeat = ostrel::repeat;
+
 void SetInRapp(int x, int y, unsigned int repeatWidth, unsigned int repeatHeight, unsigned int drop,
                _EDropKind dropKind, int *xInRepeat, int *yInRepeat) {
-  ostrel::repeat::FoldIntoRepeat(__func__, x, y, repeatWidth, repeatHeight, drop, dropKind,
-                                 xInRepeat, yInRepeat);
+  repeat::FoldIntoRepeat(__func__, x, y, repeatWidth, repeatHeight, drop, dropKind, xInRepeat,
+                         yInRepeat);
 }
 
+// One repeat step is dropRatio * repeatHeightExact (vertical) or
+// dropRatio * repeatWidthExact (horizontal), the product formed first.
 void SetInRappDb(int x, int y, unsigned int repeatWidth, unsigned int repeatHeight,
                  double dropRatio, double repeatWidthExact, double repeatHeightExact,
                  _EDropKind dropKind, int *xInRepeat, int *yInRepeat) {
-  ostrel::repeat::FoldIntoRepeatDb(__func__, x, y, repeatWidth, repeatHeight, dropRatio,
-                                   repeatWidthExact, repeatHeightExact, dropKind, xInRepeat,
-                                   yInRepeat);
+  const double step = dropKind == repeat::kDropVertical ? dropRatio * repeatHeightExact
+                                                        : dropRatio * repeatWidthExact;
+  repeat::FoldInteger(__func__, x, y, repeatWidth, repeatHeight, dropKind,
+                      repeat::TruncatedDrop(step), xInRepeat, yInRepeat);
 }
 
+// Every number a double.
 void SetInRappMM(double x, double y, double repeatWidth, double repeatHeight, double drop,
                  _EDropKind dropKind, double *xInRepeat, double *yInRepeat) {
-  ostrel::repeat::FoldIntoRepeatMM(__func__, x, y, repeatWidth, repeatHeight, drop, dropKind,
-                                   xInRepeat, yInRepeat);
+  repeat::Fold(__func__, x, y, repeatWidth, repeatHeight, dropKind, repeat::Doubles(drop));
+  *xInRepeat = x;
+  *yInRepeat = y;
 }

@@ -53,122 +53,134 @@ bool FitsInTile(std::int32_t x, std::int32_t y, std::uint32_t width, std::uint32
   return Bits(x) + width <= repeatWidth && Bits(y) + height <= repeatHeight;
 }
 
-// CalcPosAndSizeInRepBuffer: the pieces of the buffer that show the
-// rectangle, the main piece last.
-void PiecesShowing(const char *function, std::int32_t x, std::int32_t y, std::uint32_t width,
-                   std::uint32_t height, std::uint32_t repeatWidth, std::uint32_t repeatHeight,
-                   std::int32_t dropKind, std::int32_t drop, std::int32_t *pieceCount,
-                   std::int32_t *pieceX, std::int32_t *pieceWidth, std::int32_t *pieceY,
-                   std::int32_t *pieceHeight, bool wholeTileIfLarger) {
-  if (dropKind == kDropHorizontal) return;  // not supported: nothing is written
-  if (dropKind != kDropVertical) {
+}  // namespace
+}  // namespace repeat
+}  // namespace ostrel
+
+namespace repeat = ostrel::repeat;
+
+// The pieces of the buffer that show the rectangle, the main piece last.
+void CalcPosAndSizeInRepBuffer(int x, int y, unsigned int width, unsigned int height,
+                               unsigned int repeatWidth, unsigned int repeatHeight,
+                               _EDropKind dropKind, int drop, int *pieceCount, int *pieceX,
+                               int *pieceWidth, int *pieceY, int *pieceHeight,
+                               bool wholeTileIfLarger) {
+  if (dropKind == repeat::kDropHorizontal) return;  // not supported: nothing is written
+  if (dropKind != repeat::kDropVertical) {
     *pieceCount = 0;
     return;
   }
   std::int32_t fx, fy;  // (x', y')
-  FoldIntoRepeat(function, x, y, repeatWidth, repeatHeight, Bits(drop), kDropVertical, &fx, &fy);
-  Pieces pieces(pieceCount, pieceX, pieceWidth, pieceY, pieceHeight);
+  repeat::FoldIntoRepeat(__func__, x, y, repeatWidth, repeatHeight, repeat::Bits(drop),
+                         repeat::kDropVertical, &fx, &fy);
+  repeat::Pieces pieces(pieceCount, pieceX, pieceWidth, pieceY, pieceHeight);
 
-  if (FitsInTile(fx, fy, width, height, repeatWidth, repeatHeight)) {
-    pieces.Append(fx, fy, Signed(width), Signed(height));
+  if (repeat::FitsInTile(fx, fy, width, height, repeatWidth, repeatHeight)) {
+    pieces.Append(fx, fy, repeat::Signed(width), repeat::Signed(height));
     return;
   }
   if ((width >= repeatWidth || height >= repeatHeight) && wholeTileIfLarger) {
-    pieces.Append(0, 0, Signed(repeatWidth), Signed(repeatHeight));
+    pieces.Append(0, 0, repeat::Signed(repeatWidth), repeat::Signed(repeatHeight));
     return;
   }
 
   // From here on every comparison is signed.
-  const std::int32_t w = Signed(width), h = Signed(height);
-  const std::int32_t tileW = Signed(repeatWidth), tileH = Signed(repeatHeight);
-  if (Add(fx, w) > tileW) {
+  const std::int32_t w = repeat::Signed(width), h = repeat::Signed(height);
+  const std::int32_t tileW = repeat::Signed(repeatWidth), tileH = repeat::Signed(repeatHeight);
+  if (repeat::Add(fx, w) > tileW) {
     // The rectangle runs into the next column, which lies drop pixels lower:
     // there its top is at s in the tile.
-    const std::int32_t s = Sub(fy, drop);
-    const std::int32_t rightWidth = Sub(Add(fx, w), tileW);
-    if (Add(s, h) > 0) {
-      const std::int32_t pieceH = s >= 0 ? Sub(tileH, s) : Sub(h, Min(h, Sub(0, s)));
-      pieces.Append(0, Max(s, 0), rightWidth, Min(h, pieceH));
+    const std::int32_t s = repeat::Sub(fy, drop);
+    const std::int32_t rightWidth = repeat::Sub(repeat::Add(fx, w), tileW);
+    if (repeat::Add(s, h) > 0) {
+      const std::int32_t pieceH =
+          s >= 0 ? repeat::Sub(tileH, s) : repeat::Sub(h, repeat::Min(h, repeat::Sub(0, s)));
+      pieces.Append(0, repeat::Max(s, 0), rightWidth, repeat::Min(h, pieceH));
     }
     if (s < 0) {
       // Its top wraps to the bottom of that column.
-      pieces.Append(0, Min(Add(s, tileH), Sub(tileH, 1)), rightWidth, Min(h, Sub(drop, fy)));
+      pieces.Append(0, repeat::Min(repeat::Add(s, tileH), repeat::Sub(tileH, 1)), rightWidth,
+                    repeat::Min(h, repeat::Sub(drop, fy)));
     }
-    const std::int32_t belowBottom = Add(Sub(s, tileH), h);
+    const std::int32_t belowBottom = repeat::Add(repeat::Sub(s, tileH), h);
     if (belowBottom > 0) {
       // It also runs past that column's bottom.
-      pieces.Append(0, Max(Sub(s, tileH), 0), rightWidth, Min(h, belowBottom));
+      pieces.Append(0, repeat::Max(repeat::Sub(s, tileH), 0), rightWidth,
+                    repeat::Min(h, belowBottom));
     }
   }
-  if (Add(fy, h) > tileH) {
+  if (repeat::Add(fy, h) > tileH) {
     // The left part runs past the bottom of its own column.
-    pieces.Append(fx, 0, Min(w, Sub(tileW, fx)), Max(Sub(Add(fy, h), tileH), 0));
+    pieces.Append(fx, 0, repeat::Min(w, repeat::Sub(tileW, fx)),
+                  repeat::Max(repeat::Sub(repeat::Add(fy, h), tileH), 0));
   }
   // The main piece, always last.
-  pieces.Append(Clamp(fx, 0, Sub(tileW, 1)), Clamp(fy, 0, Sub(tileH, 1)), Min(w, Sub(tileW, fx)),
-                Min(h, Sub(tileH, fy)));
+  pieces.Append(repeat::Clamp(fx, 0, repeat::Sub(tileW, 1)),
+                repeat::Clamp(fy, 0, repeat::Sub(tileH, 1)), repeat::Min(w, repeat::Sub(tileW, fx)),
+                repeat::Min(h, repeat::Sub(tileH, fy)));
 }
 
-// CalcPosAndSizeInRepBufferInv: the pieces of the buffer that the rectangle
-// does not cover.
-void PiecesUncovered(const char *function, std::int32_t x, std::int32_t y, std::uint32_t width,
-                     std::uint32_t height, std::uint32_t repeatWidth, std::uint32_t repeatHeight,
-                     std::int32_t dropKind, std::int32_t drop, std::int32_t *pieceCount,
-                     std::int32_t *pieceX, std::int32_t *pieceWidth, std::int32_t *pieceY,
-                     std::int32_t *pieceHeight) {
-  if (dropKind == kDropHorizontal) return;  // not supported: nothing is written
-  if (dropKind != kDropVertical) {
+// The pieces of the buffer that the rectangle does not cover.
+void CalcPosAndSizeInRepBufferInv(int x, int y, unsigned int width, unsigned int height,
+                                  unsigned int repeatWidth, unsigned int repeatHeight,
+                                  _EDropKind dropKind, int drop, int *pieceCount, int *pieceX,
+                                  int *pieceWidth, int *pieceY, int *pieceHeight) {
+  if (dropKind == repeat::kDropHorizontal) return;  // not supported: nothing is written
+  if (dropKind != repeat::kDropVertical) {
     *pieceCount = 0;
     return;
   }
   std::int32_t fx, fy;  // (x', y')
-  FoldIntoRepeat(function, x, y, repeatWidth, repeatHeight, Bits(drop), kDropVertical, &fx, &fy);
-  Pieces pieces(pieceCount, pieceX, pieceWidth, pieceY, pieceHeight);
-  const std::int32_t w = Signed(width), h = Signed(height);
-  const std::int32_t tileW = Signed(repeatWidth), tileH = Signed(repeatHeight);
+  repeat::FoldIntoRepeat(__func__, x, y, repeatWidth, repeatHeight, repeat::Bits(drop),
+                         repeat::kDropVertical, &fx, &fy);
+  repeat::Pieces pieces(pieceCount, pieceX, pieceWidth, pieceY, pieceHeight);
+  const std::int32_t w = repeat::Signed(width), h = repeat::Signed(height);
+  const std::int32_t tileW = repeat::Signed(repeatWidth), tileH = repeat::Signed(repeatHeight);
 
-  if (FitsInTile(fx, fy, width, height, repeatWidth, repeatHeight)) {
+  if (repeat::FitsInTile(fx, fy, width, height, repeatWidth, repeatHeight)) {
     // Left and right of the rectangle over the whole height, then above and
     // below it.
     if (fx > 0) pieces.Append(0, 0, fx, tileH);
-    if (Bits(fx) + width < repeatWidth) pieces.Append(Add(fx, w), 0, Sub(Sub(tileW, fx), w), tileH);
+    if (repeat::Bits(fx) + width < repeatWidth)
+      pieces.Append(repeat::Add(fx, w), 0, repeat::Sub(repeat::Sub(tileW, fx), w), tileH);
     if (fy > 0) pieces.Append(fx, 0, w, fy);
-    if (Bits(fy) + height < repeatHeight) pieces.Append(fx, Add(fy, h), w, Sub(Sub(tileH, fy), h));
+    if (repeat::Bits(fy) + height < repeatHeight)
+      pieces.Append(fx, repeat::Add(fy, h), w, repeat::Sub(repeat::Sub(tileH, fy), h));
     return;
   }
 
   if (width < repeatWidth && height < repeatHeight) {
     // The other three corners, folded.
     std::int32_t rx, ry, brx, bry, bx, by;
-    FoldIntoRepeat(function, Add(x, w), y, repeatWidth, repeatHeight, Bits(drop), kDropVertical,
-                   &rx, &ry);
-    FoldIntoRepeat(function, Add(x, w), Add(y, h), repeatWidth, repeatHeight, Bits(drop),
-                   kDropVertical, &brx, &bry);
-    FoldIntoRepeat(function, x, Add(y, h), repeatWidth, repeatHeight, Bits(drop), kDropVertical,
-                   &bx, &by);
-    const std::int32_t rest = Sub(tileW, fx);
+    repeat::FoldIntoRepeat(__func__, repeat::Add(x, w), y, repeatWidth, repeatHeight,
+                           repeat::Bits(drop), repeat::kDropVertical, &rx, &ry);
+    repeat::FoldIntoRepeat(__func__, repeat::Add(x, w), repeat::Add(y, h), repeatWidth,
+                           repeatHeight, repeat::Bits(drop), repeat::kDropVertical, &brx, &bry);
+    repeat::FoldIntoRepeat(__func__, x, repeat::Add(y, h), repeatWidth, repeatHeight,
+                           repeat::Bits(drop), repeat::kDropVertical, &bx, &by);
+    const std::int32_t rest = repeat::Sub(tileW, fx);
     if (fx < rx) {
       // No horizontal wrap (so the rectangle wraps at the bottom seam).
       pieces.Append(0, 0, fx, tileH);
-      pieces.Append(Add(fx, w), 0, Sub(rest, w), tileH);
-      pieces.Append(fx, by, w, Sub(fy, by));
+      pieces.Append(repeat::Add(fx, w), 0, repeat::Sub(rest, w), tileH);
+      pieces.Append(fx, by, w, repeat::Sub(fy, by));
       return;
     }
     // The strip between the rectangle's two parts, over the whole height.
-    pieces.Append(rx, 0, Sub(fx, rx), tileH);
+    pieces.Append(rx, 0, repeat::Sub(fx, rx), tileH);
     // The right column, from x' to the tile's right edge.
     if (by < fy) {
-      pieces.Append(fx, by, rest, Sub(fy, by));
+      pieces.Append(fx, by, rest, repeat::Sub(fy, by));
     } else {
       pieces.Append(fx, 0, rest, fy);
-      pieces.Append(fx, by, rest, Sub(tileH, by));
+      pieces.Append(fx, by, rest, repeat::Sub(tileH, by));
     }
     // The left column, of width rx, in the next (dropped) repeat column.
     if (ry <= bry) {
       pieces.Append(0, 0, rx, ry);
-      pieces.Append(0, bry, rx, Sub(tileH, bry));
+      pieces.Append(0, bry, rx, repeat::Sub(tileH, bry));
     } else {
-      pieces.Append(0, bry, rx, Sub(ry, bry));
+      pieces.Append(0, bry, rx, repeat::Sub(ry, bry));
     }
     return;
   }
@@ -178,77 +190,39 @@ void PiecesUncovered(const char *function, std::int32_t x, std::int32_t y, std::
   pieces.Write(0, 0, 0, tileW, tileH);
 }
 
-// AdaptFileSizeToViewSizeForViewSize: a view-sized box with the file's
-// proportions.
-void FitFileIntoView(std::uint32_t fileWidth, std::uint32_t fileHeight, std::uint32_t viewWidth,
-                     std::uint32_t viewHeight, double resolutionX, double resolutionY,
-                     std::uint32_t *outWidth, std::uint32_t *outHeight) {
+// A view-sized box with the file's proportions.
+void AdaptFileSizeToViewSizeForViewSize(unsigned int fileWidth, unsigned int fileHeight,
+                                        unsigned int viewWidth, unsigned int viewHeight,
+                                        double resolutionX, double resolutionY,
+                                        unsigned int *outWidth, unsigned int *outHeight) {
   const double p = fileWidth / resolutionX;  // the file's physical size
   const double q = fileHeight / resolutionY;
   const double sx = viewWidth / p;
   const double sy = viewHeight / q;
   if (sy <= sx) {
-    *outWidth = TruncLow32(p * viewHeight / q);
+    *outWidth = repeat::TruncLow32(p * viewHeight / q);
     *outHeight = viewHeight;
   } else {
     *outWidth = viewWidth;
-    *outHeight = TruncLow32(q * viewWidth / p);
+    *outHeight = repeat::TruncLow32(q * viewWidth / p);
   }
 }
 
-// AdaptFileSizeToFileSizeForViewSize: one file dimension grown to the
-// view's proportions.
-void GrowFileToView(std::uint32_t fileWidth, std::uint32_t fileHeight, std::uint32_t viewWidth,
-                    std::uint32_t viewHeight, double resolutionX, double resolutionY,
-                    std::uint32_t *outWidth, std::uint32_t *outHeight) {
+// One file dimension grown to the view's proportions.
+void AdaptFileSizeToFileSizeForViewSize(unsigned int fileWidth, unsigned int fileHeight,
+                                        unsigned int viewWidth, unsigned int viewHeight,
+                                        double resolutionX, double resolutionY,
+                                        unsigned int *outWidth, unsigned int *outHeight) {
   const double p = fileWidth / resolutionX;
   const double q = fileHeight / resolutionY;
   const double sx = viewWidth / p;
   const double sy = viewHeight / q;
   if (sy <= sx) {
     *outHeight = fileHeight;
-    *outWidth = TruncLow32(viewWidth * (resolutionX * fileHeight / resolutionY) / viewHeight);
+    *outWidth =
+        repeat::TruncLow32(viewWidth * (resolutionX * fileHeight / resolutionY) / viewHeight);
   } else {
     *outWidth = fileWidth;
-    *outHeight = TruncLow32(fileWidth * resolutionY / resolutionX * viewHeight / viewWidth);
+    *outHeight = repeat::TruncLow32(fileWidth * resolutionY / resolutionX * viewHeight / viewWidth);
   }
-}
-
-}  // namespace
-}  // namespace repeat
-}  // namespace ostrel
-
-void CalcPosAndSizeInRepBuffer(int x, int y, unsigned int width, unsigned int height,
-                               unsigned int repeatWidth, unsigned int repeatHeight,
-                               _EDropKind dropKind, int drop, int *pieceCount, int *pieceX,
-                               int *pieceWidth, int *pieceY, int *pieceHeight,
-                               bool wholeTileIfLarger) {
-  ostrel::repeat::PiecesShowing(__func__, x, y, width, height, repeatWidth, repeatHeight, dropKind,
-                                drop, pieceCount, pieceX, pieceWidth, pieceY, pieceHeight,
-                                wholeTileIfLarger);
-}
-
-void CalcPosAndSizeInRepBufferInv(int x, int y, unsigned int width, unsigned int height,
-                                  unsigned int repeatWidth, unsigned int repeatHeight,
-                                  _EDropKind dropKind, int drop, int *pieceCount, int *pieceX,
-                                  int *pieceWidth, int *pieceY, int *pieceHeight) {
-  ostrel::repeat::PiecesUncovered(__func__, x, y, width, height, repeatWidth, repeatHeight,
-                                  dropKind, drop, pieceCount, pieceX, pieceWidth, pieceY,
-                                  pieceHeight);
-}
-
-void AdaptFileSizeToViewSizeForViewSize(unsigned int fileWidth, unsigned int fileHeight,
-                                        unsigned int viewWidth, unsigned int viewHeight,
-                                        double resolutionX, double resolutionY,
-                                        unsigned int *outWidth, unsigned int *outHeight) {
-  ostrel::repeat::FitFileIntoView(fileWidth, fileHeight, viewWidth, viewHeight, resolutionX,
-                                  resolutionY, outWidth, outHeight);
-}
-
-void AdaptFileSizeToFileSizeForViewSize(unsigned int fileWidth, unsigned int fileHeight,
-                                        unsigned int viewWidth, unsigned int viewHeight,
-                                        double resolutionX, double resolutionY,
-                                        unsigned int *outWidth, unsigned int *outHeight) {
-  ostrel::repeat::GrowFileToView(fileWidth, fileHeight, viewWidth, viewHeight, resolutionX,
-                                 resolutionY, outWidth, outHeight);
 }
