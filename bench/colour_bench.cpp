@@ -107,12 +107,9 @@ enum class Job { kTrcToTrc, kColourToTrc, kL08ToTrc };
 
 const char *JobName(Job job) {
   switch (job) {
-    case Job::kTrcToTrc:
-      return "AlphaBlendTRCToTRC";
-    case Job::kColourToTrc:
-      return "AlphaBlendColorToTRC";
-    case Job::kL08ToTrc:
-      return "AlphaBlendL08ToTRC";
+    case Job::kTrcToTrc: return "AlphaBlendTRCToTRC";
+    case Job::kColourToTrc: return "AlphaBlendColorToTRC";
+    case Job::kL08ToTrc: return "AlphaBlendL08ToTRC";
   }
   return "";
 }

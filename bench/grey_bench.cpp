@@ -76,16 +76,11 @@ struct Images {
 
 const char *JobName(Job job) {
   switch (job) {
-    case Job::kDensity:
-      return "AlphaBlendDensityToL08";
-    case Job::kL08ToL08:
-      return "AlphaBlendL08ToL08";
-    case Job::kApplyAlpha:
-      return "ApplyAlphaToL08";
-    case Job::kLut:
-      return "ApplyLUTToL08";
-    case Job::kMotionCopy:
-      return "MotionCopyL08ToL08";
+    case Job::kDensity: return "AlphaBlendDensityToL08";
+    case Job::kL08ToL08: return "AlphaBlendL08ToL08";
+    case Job::kApplyAlpha: return "ApplyAlphaToL08";
+    case Job::kLut: return "ApplyLUTToL08";
+    case Job::kMotionCopy: return "MotionCopyL08ToL08";
   }
   return "";
 }
@@ -126,8 +121,7 @@ std::uint8_t ScalarPixel(Job job, bool exact, const std::uint8_t *table, int d, 
                                              : d + (((kDensity - d) * weight) >> 8));
     case Job::kApplyAlpha:
       return static_cast<std::uint8_t>(exact ? d * weight / 255 : (d * a) >> 8);
-    case Job::kLut:
-      return table[d];
+    case Job::kLut: return table[d];
     default:  // grey through alpha, exact form
       return static_cast<std::uint8_t>(d + (s - d) * (product / 255) / 255);
   }
@@ -158,10 +152,8 @@ void RunScalar(const Images &im, Job job, bool exact) {
     case Job::kApplyAlpha:
       return exact ? ScalarLoop<Job::kApplyAlpha, true>(im)
                    : ScalarLoop<Job::kApplyAlpha, false>(im);
-    case Job::kLut:
-      return ScalarLoop<Job::kLut, true>(im);
-    default:
-      return ScalarLoop<Job::kL08ToL08, true>(im);
+    case Job::kLut: return ScalarLoop<Job::kLut, true>(im);
+    default: return ScalarLoop<Job::kL08ToL08, true>(im);
   }
 }
 

@@ -64,12 +64,9 @@ int main(int argc, char **argv) {
     }
     if (i + 1 >= argc) return Fail("missing value after " + arg + "\n" + kUsage);
     const std::string value = argv[++i];
-    if (arg == "--mask")
-      maskPath = value;
-    else if (arg == "--output")
-      output = value;
-    else if (arg == "--csv")
-      csvPath = value;
+    if (arg == "--mask") maskPath = value;
+    else if (arg == "--output") output = value;
+    else if (arg == "--csv") csvPath = value;
     else if (arg == "--frame") {
       if (!ParseInt(value, &frameWidth) || frameWidth < 1 || frameWidth > 32)
         return Fail("bad frame width '" + value + "': 1 to 32");

@@ -56,14 +56,10 @@ int main(int argc, char **argv) {
     } else if (arg == "--output") {
       output = value;
     } else if (arg == "--drop-kind") {
-      if (value == "none")
-        view.dropKind = eDropNone;
-      else if (value == "vertical")
-        view.dropKind = eDropVertical;
-      else if (value == "horizontal")
-        view.dropKind = eDropHorizontal;
-      else
-        return Fail("unknown drop kind '" + value + "' (none, vertical, horizontal)");
+      if (value == "none") view.dropKind = eDropNone;
+      else if (value == "vertical") view.dropKind = eDropVertical;
+      else if (value == "horizontal") view.dropKind = eDropHorizontal;
+      else return Fail("unknown drop kind '" + value + "' (none, vertical, horizontal)");
     } else if (arg == "--drop") {
       if (!ParseInt(value, &a) || a < 0 || a > 1000000)
         return Fail("bad drop '" + value + "': a whole number of pixels, 0 or more");

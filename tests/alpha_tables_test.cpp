@@ -28,10 +28,8 @@ TEST(AlphaTables, ApplyAlphaToL08MatchesModelInEveryPath) {
         for (u32 i = l; i < std::min(w, l + rw); ++i) {
           const int a = alpha[j * w + i];
           u8 &d = want[j * w + i];
-          if (fast)
-            d = u8(d * (opacity == 255 ? a : a * opacity / 256) / 256);
-          else
-            d = u8(d * (flat ? (a ? opacity : 0) : a * opacity / 255) / 255);
+          if (fast) d = u8(d * (opacity == 255 ? a : a * opacity / 256) / 256);
+          else d = u8(d * (flat ? (a ? opacity : 0) : a * opacity / 255) / 255);
         }
       }
       FastFlag f(flag);

@@ -138,8 +138,10 @@ TEST(GreyToGreyBlend, HandComputedPixels) {
       {kL12Flat, true, 9, 255, 1, false, 4095, 1000, 16},
   };
   for (const Case &c : cases) {
-    Scene s{c.m, 1, 1, 0,         0,           1,          1,           0,     0,        1,    1,
-            1,   0, 0, c.opacity, c.blendZero, c.twoLevel, c.withAlpha, {c.s}, {c.d, 0}, {c.a}};
+    // clang-format off
+    Scene s{c.m, 1, 1, 0, 0, 1, 1, 0, 0, 1, 1, 1, 0, 0, c.opacity, c.blendZero, c.twoLevel,
+            c.withAlpha, {c.s}, {c.d, 0}, {c.a}};
+    // clang-format on
     RunMember(s);
     EXPECT_EQ(s.dst[0], c.want) << "member " << c.m << ", s " << c.s << ", d " << c.d;
   }
@@ -150,27 +152,10 @@ TEST(GreyToGreyBlend, HandComputedPixels) {
 // word right of the region is written.
 TEST(GreyToGreyBlend, TwelveBitSharedForcesTheNextWord) {
   for (int m : {kL12, kL12Flat}) {
-    Scene s{m,
-            4,
-            1,
-            0,
-            0,
-            6,
-            1,
-            1,
-            0,
-            3,
-            1,
-            1,
-            0,
-            0,
-            0,
-            1,
-            true,
-            false,
-            {0, 0, 0, 0},
-            {5, 5, 5, 5, 5, 5},
-            {}};
+    // clang-format off
+    Scene s{m, 4, 1, 0, 0, 6, 1, 1, 0, 3, 1, 1, 0, 0, 0, 1, true, false,
+            {0, 0, 0, 0}, {5, 5, 5, 5, 5, 5}, {}};
+    // clang-format on
     RunMember(s);
     EXPECT_EQ(s.dst, (std::vector<u16>{5, 5, 4095, 4095, 4095, 5})) << "member " << m;
   }

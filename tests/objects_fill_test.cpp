@@ -26,14 +26,10 @@ void ModelFill(std::vector<T> &b, int w, int h, int sx, int sy, int l, int t, in
   for (int x = sx, y = sy;;) {
     if (b[y * w + x] != fill) b[y * w + x] = fill, ++*changed;
     int nx = x, ny = y;
-    if (x < r && b[y * w + x + 1] == target)
-      nx = x + 1;
-    else if (x > l && b[y * w + x - 1] == target)
-      nx = x - 1;
-    else if (y < bottom && b[(y + 1) * w + x] == target)
-      ny = y + 1;
-    else if (y > t && b[(y - 1) * w + x] == target)
-      ny = y - 1;
+    if (x < r && b[y * w + x + 1] == target) nx = x + 1;
+    else if (x > l && b[y * w + x - 1] == target) nx = x - 1;
+    else if (y < bottom && b[(y + 1) * w + x] == target) ny = y + 1;
+    else if (y > t && b[(y - 1) * w + x] == target) ny = y - 1;
     if (nx != x || ny != y) {
       stack.push_back(x), stack.push_back(y), x = nx, y = ny;
       continue;
@@ -58,8 +54,7 @@ int ModelLabel(std::vector<T> &b, int w, int h, int l, int t, int rw, int rh, T 
       if (b[pos] != 1) continue;
       if (label != 1 && label != 0)
         ModelFill<T>(b, w, h, l + c, y, l, t, rw, rh, label, &unused), ++count;
-      else
-        --c;
+      else --c;
       label = static_cast<T>(asc ? label + 1 : label - 1);
       if (asc ? static_cast<int>(label) == end : label == 1) return count;
     }

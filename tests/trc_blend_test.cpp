@@ -25,51 +25,23 @@ using u32 = std::uint32_t;
 using Rng = std::mt19937;
 
 // Every exported member; the last one once per path.
+// clang-format off
 enum Member {
-  kTrcToTrc,
-  kNoAlpha,
-  kNoAlphaToTrc,
-  kAlphaBuffer,
-  kAlphaBufferOwn,  // colour to colour
-  kL08,
-  kL08Inverted,
-  kL08EraseA,
-  kQuickMask,
-  kL08Grey,
-  kL12,  // grey to colour
-  kConstAlpha,
-  kColour,
-  kColourInverted,
-  kColourFlat,
-  kOnBackground,
-  kAlphaOnly,  // solid colour
-  kBlue,
-  kBlueFlat,
-  kBlueScaled,
-  kMemberCount
+  kTrcToTrc, kNoAlpha, kNoAlphaToTrc, kAlphaBuffer, kAlphaBufferOwn,             // colour to colour
+  kL08, kL08Inverted, kL08EraseA, kQuickMask, kL08Grey, kL12,                    // grey to colour
+  kConstAlpha, kColour, kColourInverted, kColourFlat, kOnBackground, kAlphaOnly, // solid colour
+  kBlue, kBlueFlat, kBlueScaled, kMemberCount
 };
 constexpr int kFirstGrey = kL08, kFirstSolid = kConstAlpha;
-const char *const kNames[kMemberCount] = {  // without the AlphaBlend before most of them
-    "TRCToTRC",
-    "TRCToTRCNoAlpha",
-    "TRCNoAlphaToTRC",
-    "TRCWithAlphaBufferToTRC",
-    "TRCWithAlphaBufferToTRC (own)",
-    "L08ToTRC",
-    "L08ToTRCInverted",
-    "L08ToTRCAndEraseA",
-    "ApplyQuickMaskToTRC",
-    "L08WithAlphaBufferToTRC",
-    "L12ToTRC",
-    "ColorWithConstAlphaToTRC",
-    "ColorToTRC",
-    "ColorToTRCInverted",
-    "ColorToTRCFlat",
-    "ColorOnBGToTRC",
-    "AlphaToTRC",
-    "ColorWithAlphaBlueOfTrcToTrc",
-    "ColorWithAlphaBlueOfTrcToTrc (flat)",
+// Without the AlphaBlend before most of them.
+const char *const kNames[kMemberCount] = {
+    "TRCToTRC", "TRCToTRCNoAlpha", "TRCNoAlphaToTRC", "TRCWithAlphaBufferToTRC",
+    "TRCWithAlphaBufferToTRC (own)", "L08ToTRC", "L08ToTRCInverted", "L08ToTRCAndEraseA",
+    "ApplyQuickMaskToTRC", "L08WithAlphaBufferToTRC", "L12ToTRC", "ColorWithConstAlphaToTRC",
+    "ColorToTRC", "ColorToTRCInverted", "ColorToTRCFlat", "ColorOnBGToTRC", "AlphaToTRC",
+    "ColorWithAlphaBlueOfTrcToTrc", "ColorWithAlphaBlueOfTrcToTrc (flat)",
     "ColorWithAlphaBlueOfTrcToTrc (scaleColour)"};
+// clang-format on
 bool HasFastForm(int m) {
   return m <= kAlphaBuffer || m == kL08 || m == kL08Inverted || m == kL12 ||
          (m >= kConstAlpha && m <= kColourInverted);
@@ -171,57 +143,27 @@ void RunLibrary(Scene &s, int mode) {
 #define DST D, g.dw, g.dh, g.dl, g.dt
 #define REGION g.rw, g.rh
   switch (s.m) {
-    case kTrcToTrc:
-      AlphaBlendTRCToTRC(P, SRC, DST, o, REGION, ex);
-      break;
-    case kNoAlpha:
-      AlphaBlendTRCToTRCNoAlpha(P, SRC, DST, o, REGION, ex);
-      break;
-    case kNoAlphaToTrc:
-      AlphaBlendTRCNoAlphaToTRC(P, SRC, DST, o, REGION, ex);
-      break;
-    case kAlphaBuffer:
-      AlphaBlendTRCWithAlphaBufferToTRC(P, A, SRC, DST, o, REGION, ex);
-      break;
+    case kTrcToTrc: AlphaBlendTRCToTRC(P, SRC, DST, o, REGION, ex); break;
+    case kNoAlpha: AlphaBlendTRCToTRCNoAlpha(P, SRC, DST, o, REGION, ex); break;
+    case kNoAlphaToTrc: AlphaBlendTRCNoAlphaToTRC(P, SRC, DST, o, REGION, ex); break;
+    case kAlphaBuffer: AlphaBlendTRCWithAlphaBufferToTRC(P, A, SRC, DST, o, REGION, ex); break;
     case kAlphaBufferOwn:
       AlphaBlendTRCWithAlphaBufferToTRC(P, SRC, A, s.aw, s.ah, s.al, s.at, DST, o, REGION, ex);
       break;
-    case kL08:
-      AlphaBlendL08ToTRC(B, SRC, k, DST, o, REGION, ex, L);
-      break;
-    case kL08Inverted:
-      AlphaBlendL08ToTRCInverted(B, SRC, k, DST, o, REGION, ex);
-      break;
-    case kL08EraseA:
-      AlphaBlendL08ToTRCAndEraseA(B, SRC, k, DST, o, REGION, L);
-      break;
-    case kQuickMask:
-      ApplyQuickMaskToTRC(B, SRC, k, DST, o, REGION);
-      break;
-    case kL08Grey:
-      AlphaBlendL08WithAlphaBufferToTRC(B, A, SRC, DST, o, REGION, ex);
-      break;
-    case kL12:
-      AlphaBlendL12ToTRC(s.words.Data(), SRC, k, DST, o, REGION, ex);
-      break;
-    case kConstAlpha:
-      AlphaBlendColorWithConstAlphaToTRC(k, DST, REGION, ex);
-      break;
-    case kColour:
-      AlphaBlendColorToTRC(k, B, SRC, DST, o, REGION, ex);
-      break;
-    case kColourInverted:
-      AlphaBlendColorToTRCInverted(k, B, SRC, DST, o, REGION, ex);
-      break;
-    case kColourFlat:
-      AlphaBlendColorToTRCFlat(k, B, SRC, DST, o, REGION, ex);
-      break;
+    case kL08: AlphaBlendL08ToTRC(B, SRC, k, DST, o, REGION, ex, L); break;
+    case kL08Inverted: AlphaBlendL08ToTRCInverted(B, SRC, k, DST, o, REGION, ex); break;
+    case kL08EraseA: AlphaBlendL08ToTRCAndEraseA(B, SRC, k, DST, o, REGION, L); break;
+    case kQuickMask: ApplyQuickMaskToTRC(B, SRC, k, DST, o, REGION); break;
+    case kL08Grey: AlphaBlendL08WithAlphaBufferToTRC(B, A, SRC, DST, o, REGION, ex); break;
+    case kL12: AlphaBlendL12ToTRC(s.words.Data(), SRC, k, DST, o, REGION, ex); break;
+    case kConstAlpha: AlphaBlendColorWithConstAlphaToTRC(k, DST, REGION, ex); break;
+    case kColour: AlphaBlendColorToTRC(k, B, SRC, DST, o, REGION, ex); break;
+    case kColourInverted: AlphaBlendColorToTRCInverted(k, B, SRC, DST, o, REGION, ex); break;
+    case kColourFlat: AlphaBlendColorToTRCFlat(k, B, SRC, DST, o, REGION, ex); break;
     case kOnBackground:
       AlphaBlendColorOnBGToTRC(k, s.background, B, SRC, DST, o, REGION, ex);
       break;
-    case kAlphaOnly:
-      AlphaBlendAlphaToTRC(u8(k >> 24), B, SRC, DST, o, REGION, ex);
-      break;
+    case kAlphaOnly: AlphaBlendAlphaToTRC(u8(k >> 24), B, SRC, DST, o, REGION, ex); break;
     default:
       AlphaBlendColorWithAlphaBlueOfTrcToTrc(P, SRC, k, D, o, g.dw, g.dh, g.dl, g.dt, REGION,
                                              s.m == kBlueFlat, s.m == kBlueScaled);
@@ -252,47 +194,31 @@ u32 Model(const Scene &s, bool fast, u32 d, u32 p, u32 v, u32 a, u32 word, bool 
   const int o = s.opacity;
   if (!s.lookup.empty() && TakesLookup(s.m)) v = s.lookup[v];
   switch (s.m) {
-    case kTrcToTrc:
-      return Mix(d, p, Weight(p >> 24, o, fast), fast);
-    case kNoAlpha:
-      return Mix(d, p, Weight(255, o, fast), fast);
-    case kNoAlphaToTrc:
-      return Mix(d, p, o, fast);
+    case kTrcToTrc: return Mix(d, p, Weight(p >> 24, o, fast), fast);
+    case kNoAlpha: return Mix(d, p, Weight(255, o, fast), fast);
+    case kNoAlphaToTrc: return Mix(d, p, o, fast);
     case kAlphaBuffer:
-    case kAlphaBufferOwn:
-      return Mix(d, p, Weight(a, o, fast), fast);
+    case kAlphaBufferOwn: return Mix(d, p, Weight(a, o, fast), fast);
     case kL08:
-    case kColour:
-      return Mix(d, k, Weight(v, o, fast), fast);
-    case kL08Inverted:
-      return Mix(d, k, Weight(255 - v, o, fast), fast);
-    case kL08EraseA:
-      return v == 0 ? d : Mix(d, k, Weight(v, o, false), false) & 0x00FFFFFFu;
-    case kQuickMask:
-      return v == 0 ? k : Mix(d, k, Weight(255 - v, o, false), false);
-    case kL08Grey:
-      return Mix(d, v * 0x010101u, Weight(a, o, false), false);
-    case kL12:
-      return Mix(d, k, Weight(fast ? word >> 8 : word / 255, o, fast), fast);
-    case kConstAlpha:
-      return Mix(d, k, k >> 24, fast);
-    case kColourInverted:
-      return Mix(d, k, Weight(fast && !oddLast ? 255 - v : v, o, fast), fast);
-    case kColourFlat:
-      return Mix(d, k, Weight(v ? 255 : 0, o, false), false);
-    case kOnBackground:
-      return v == 0 ? d : Mix(d, Mix(s.background, k, v, false), o, false);
+    case kColour: return Mix(d, k, Weight(v, o, fast), fast);
+    case kL08Inverted: return Mix(d, k, Weight(255 - v, o, fast), fast);
+    case kL08EraseA: return v == 0 ? d : Mix(d, k, Weight(v, o, false), false) & 0x00FFFFFFu;
+    case kQuickMask: return v == 0 ? k : Mix(d, k, Weight(255 - v, o, false), false);
+    case kL08Grey: return Mix(d, v * 0x010101u, Weight(a, o, false), false);
+    case kL12: return Mix(d, k, Weight(fast ? word >> 8 : word / 255, o, fast), fast);
+    case kConstAlpha: return Mix(d, k, k >> 24, fast);
+    case kColourInverted: return Mix(d, k, Weight(fast && !oddLast ? 255 - v : v, o, fast), fast);
+    case kColourFlat: return Mix(d, k, Weight(v ? 255 : 0, o, false), false);
+    case kOnBackground: return v == 0 ? d : Mix(d, Mix(s.background, k, v, false), o, false);
     case kAlphaOnly:
       return (d & 0x00FFFFFFu) | Mix(d >> 24, k >> 24, Weight(v, o, false), false)
                                      << 24;  // as blue
-    case kBlueFlat:
-      return b ? (d & 0xFF000000u) | (k & 0x00FFFFFFu) : d;
+    case kBlueFlat: return b ? (d & 0xFF000000u) | (k & 0x00FFFFFFu) : d;
     case kBlueScaled:
       if (o == 255)
         return b ? Mix(d & 0xFF000000u, k, b, false) : d;  // (b * k) / 255: k over black
       [[fallthrough]];
-    default:
-      return Mix(d, k, Weight(b, o, false), false);
+    default: return Mix(d, k, Weight(b, o, false), false);
   }
 }
 
