@@ -4,6 +4,9 @@
 // and in the fast form where the processor runs it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+
 #include "repeat_render.h"
 
 using namespace ostrel_examples;
@@ -20,9 +23,7 @@ unsigned int BlendChannelwise(unsigned int dst, unsigned int src, unsigned int c
     const int d = static_cast<int>((dst >> shift) & 0xFF),
               s = static_cast<int>((src >> shift) & 0xFF);
     const int product = (s - d) * weight;
-    const int step = !fast          ? product / 255
-                     : product >= 0 ? product / 256
-                                    : -((-product + 255) / 256);
+    const int step = fast ? static_cast<int>(std::floor(product / 256.0)) : product / 255;
     result |= static_cast<unsigned int>(d + step) << shift;
   }
   return result;
@@ -33,16 +34,14 @@ std::vector<unsigned int> ReferenceView(const Design &design, const ViewSettings
   const _EDropKind kind = EffectiveDropKind(view);
   const unsigned int drop = EffectiveDrop(design, view);
   const bool fast = !view.exact && IsMMX() != 0;
+  const double square = view.backdropSquare;
   const double ratio =
       static_cast<double>(drop) / (kind == eDropVertical ? design.height : design.width);
   for (unsigned int y = 0; y < view.height; ++y) {
     for (unsigned int x = 0; x < view.width; ++x) {
       const int vx = static_cast<int>(x) + view.scrollX, vy = static_cast<int>(y) + view.scrollY;
-      const long long cellX = (vx >= 0 ? vx : vx - static_cast<int>(view.backdropSquare) + 1) /
-                              static_cast<int>(view.backdropSquare);
-      const long long cellY = (vy >= 0 ? vy : vy - static_cast<int>(view.backdropSquare) + 1) /
-                              static_cast<int>(view.backdropSquare);
-      unsigned int pixel = (cellX + cellY) % 2 == 0 ? view.backdropColour1 : view.backdropColour2;
+      const double cells = std::floor(vx / square) + std::floor(vy / square);
+      unsigned int pixel = std::fmod(cells, 2.0) == 0 ? view.backdropColour1 : view.backdropColour2;
       int fx = -1, fy = -1;
       VPToFPDb(vx, vy, &fx, &fy, design.width, design.height, ratio, design.width, design.height,
                kind, view.zoom, view.zoom, true);
@@ -61,10 +60,8 @@ std::vector<unsigned int> ReferenceView(const Design &design, const ViewSettings
 // A small design whose every pixel differs from its neighbours, so a view
 // pixel taken from the wrong file pixel shows.
 Design NoisyDesign(unsigned int width, unsigned int height) {
-  Design d;
-  d.width = width;
-  d.height = height;
-  Layer grey, colour;
+  Design d{width, height, {Layer{}, Layer{}}};
+  Layer &grey = d.layers[0], &colour = d.layers[1];
   colour.grey = false;
   colour.opacity = 200;
   grey.colour = 0xFF3060C0u;
@@ -74,64 +71,41 @@ Design NoisyDesign(unsigned int width, unsigned int height) {
       colour.trc.push_back(((x * 59 + y * 13) & 0xFFu) << 24 | (x * 7 & 0xFF) << 16 |
                            (y * 11 & 0xFF) << 8 | ((x + y) * 5 & 0xFF));
     }
-  d.layers = {grey, colour};
   return d;
 }
 
-void ExpectSameAsReference(const Design &design, const ViewSettings &view) {
-  ASSERT_EQ(CheckView(design, view), "");
-  const std::vector<unsigned int> drawn = RenderView(design, view),
-                                  expected = ReferenceView(design, view);
-  int wrong = 0;
-  for (std::size_t i = 0; i < drawn.size() && wrong < 5; ++i)
-    if (drawn[i] != expected[i]) {
-      ++wrong;
-      ADD_FAILURE() << "pixel (" << i % view.width << ", " << i / view.width << "): drawn "
-                    << std::hex << drawn[i] << ", expected " << expected[i] << std::dec << "; kind "
-                    << view.dropKind << " drop " << view.drop << " zoom " << view.zoom << " scroll "
-                    << view.scrollX << "," << view.scrollY;
-    }
-}
-
-ViewSettings MakeView(_EDropKind kind, unsigned int drop, double zoom, int scrollX, int scrollY,
-                      unsigned int width, unsigned int height, unsigned int bands) {
-  ViewSettings view;
-  view.dropKind = kind;
-  view.drop = drop;
-  view.zoom = zoom;
-  view.scrollX = scrollX;
-  view.scrollY = scrollY;
-  view.width = width;
-  view.height = height;
-  view.bands = bands;
-  view.exact = true;
-  return view;
+// Draws the view in the exact form and again in the fast form.
+void ExpectSameAsReference(const Design &design, ViewSettings view) {
+  for (const bool exact : {true, false}) {
+    view.exact = exact;
+    ASSERT_EQ(CheckView(design, view), "");
+    const std::vector<unsigned int> drawn = RenderView(design, view),
+                                    expected = ReferenceView(design, view);
+    const std::size_t i =
+        std::mismatch(drawn.begin(), drawn.end(), expected.begin()).first - drawn.begin();
+    EXPECT_EQ(i, drawn.size()) << "first wrong pixel (" << i % view.width << ", " << i / view.width
+                               << "); exact " << exact << " kind " << view.dropKind << " drop "
+                               << view.drop << " zoom " << view.zoom << " scroll " << view.scrollX
+                               << "," << view.scrollY;
+  }
 }
 
 TEST(RepeatView, EveryPixelMatchesThePerPixelFoldForEveryDropKind) {
   const Design design = NoisyDesign(23, 17);
-  const _EDropKind kinds[] = {eDropNone, eDropVertical, eDropHorizontal};
-  const double zooms[] = {1.0, 3.0, 0.5, 1.7, 2.25};
   const int scrolls[][2] = {{0, 0}, {-37, 11}, {150, -203}, {-1, -1}};
-  for (const _EDropKind kind : kinds)
-    for (const double zoom : zooms)
-      for (const auto &scroll : scrolls) {
-        ViewSettings view =
-            MakeView(kind, kind == eDropHorizontal ? 9 : 6, zoom, scroll[0], scroll[1], 101, 77, 3);
-        ExpectSameAsReference(design, view);
-        view.exact = false;
-        ExpectSameAsReference(design, view);
-      }
+  for (const _EDropKind kind : {eDropNone, eDropVertical, eDropHorizontal})
+    for (const double zoom : {1.0, 3.0, 0.5, 1.7, 2.25})
+      for (const auto &s : scrolls)
+        ExpectSameAsReference(design, ViewSettings{kind, kind == eDropHorizontal ? 9u : 6u, zoom,
+                                                   s[0], s[1], 101, 77, false, 3});
 }
 
-TEST(RepeatView, BuiltInDesignMatchesWithLargeScrollsAndOneBand) {
+// A drop of more than the tile is reduced into it; one band and seven.
+TEST(RepeatView, BuiltInDesignMatchesWithLargeScrollsAndBands) {
   const Design design = SyntheticDesign();
-  // A drop of more than the tile is reduced into it.
-  ViewSettings view = MakeView(eDropHorizontal, 200, 1.3, -5000, 7777, 300, 200, 1);
-  ExpectSameAsReference(design, view);
-  view.dropKind = eDropVertical;
-  view.bands = 7;
-  ExpectSameAsReference(design, view);
+  for (const auto &[kind, bands] : {std::pair{eDropHorizontal, 1u}, std::pair{eDropVertical, 7u}})
+    ExpectSameAsReference(design,
+                          ViewSettings{kind, 200, 1.3, -5000, 7777, 300, 200, false, bands});
 }
 
 }  // namespace
