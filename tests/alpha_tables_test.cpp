@@ -40,20 +40,16 @@ TEST(AlphaTables, ApplyAlphaToL08MatchesModelInEveryPath) {
   });
 }
 
-// InvertAlphaL08 works in doubles and adds a step where the rise is under one.
+// InvertAlphaL08 works in doubles and adds a step where the rise is under one; ApplyAlphaToL12
+// weighs in the exact form and keeps a full-cover word whole.
 TEST(AlphaTables, HandComputedPixels) {
-  struct Case {
-    u8 a, d;
-    bool flat;
-    u8 want;
-  };
-  const Case cases[] = {
-      {128, 64, false, 127}, {128, 0, false, 1}, {254, 100, false, 101}, {128, 200, false, 255},
-      {170, 1, false, 2},    {255, 9, false, 9}, {0, 9, false, 9},       {0, 9, true, 255},
-      {3, 9, true, 9}};  // 170, 1: a rise of exactly 0.5 still gets the step
-  for (Case c : cases) {
-    InvertAlphaL08(&c.d, &c.a, 1, 1, 0, 0, c.flat, 1, 1);
-    EXPECT_EQ(c.d, c.want) << "InvertAlphaL08 a " << int(c.a) << ", flat " << c.flat;
+  // a, d, flat, result; 170, 1: a rise of exactly 0.5 still gets the step.
+  u8 inverted[][4] = {{128, 64, 0, 127},  {128, 0, 0, 1}, {254, 100, 0, 101},
+                      {128, 200, 0, 255}, {170, 1, 0, 2}, {255, 9, 0, 9},
+                      {0, 9, 0, 9},       {0, 9, 1, 255}, {3, 9, 1, 9}};
+  for (auto &c : inverted) {
+    InvertAlphaL08(&c[1], &c[0], 1, 1, 0, 0, c[2], 1, 1);
+    EXPECT_EQ(c[1], c[3]) << "InvertAlphaL08 a " << int(c[0]) << ", flat " << int(c[2]);
   }
   u16 word = 4000;
   u8 a = 128;
@@ -66,8 +62,7 @@ TEST(AlphaTables, HandComputedPixels) {
 
 TEST(AlphaTables, LookupTablesMapOnlyTheRegion) {
   std::vector<u8> table(256);
-  std::iota(table.begin(), table.end(), 0);
-  std::reverse(table.begin(), table.end());
+  std::iota(table.rbegin(), table.rend(), 0);
   std::vector<u8> buf = {1, 2, 3, 4, 5, 6};  // 3x2, region (1, 1) 5x5
   ApplyLUTToL08(buf.data(), 3, 2, 1, 1, 5, 5, table.data());
   EXPECT_EQ(buf, (std::vector<u8>{1, 2, 3, 4, 250, 249}));
@@ -80,8 +75,7 @@ TEST(AlphaTables, LookupTablesMapOnlyTheRegion) {
 }
 
 TEST(AlphaTables, PostApplyAlphaKeepsOnlyFullCover) {
-  u8 alpha[] = {255, 254, 0, 255};
-  u8 bytes[] = {9, 9, 9, 9};
+  u8 alpha[] = {255, 254, 0, 255}, bytes[] = {9, 9, 9, 9};
   u16 words[] = {4095, 4095, 4095, 4095};
   PostApplyAlpha(alpha, bytes, 3);
   PostApplyAlpha(alpha, words, 4);

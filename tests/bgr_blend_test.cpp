@@ -20,8 +20,7 @@ TEST(BgrBlend, MatchesNearestNeighbourModel) {
     const u32 px = round % 2 ? 4 : 3;
     const u32 aw = 1 + rng() % 6, ah = 1 + rng() % 4, dw = 1 + rng() % 7, dh = 1 + rng() % 5;
     const double sx = scales[rng() % 5], sy = scales[rng() % 5];
-    const u32 colour = rng();
-    const u32 aRow = (aw * px + 3) / 4 * 4, dRow = (dw * px + 3) / 4 * 4;
+    const u32 colour = rng(), aRow = (aw * px + 3) / 4 * 4, dRow = (dw * px + 3) / 4 * 4;
     const auto alpha = TurnBytes(aRow * ah, rng);
     auto dst = Random<u8>(dRow * dh, [&] { return rng(); });
     auto want = dst;
@@ -29,10 +28,8 @@ TEST(BgrBlend, MatchesNearestNeighbourModel) {
       for (u32 x = 0; x < dw; ++x) {
         const u32 ax = std::min(u32(x * sx), aw - 1), ay = std::min(u32(y * sy), ah - 1);
         const int a = alpha[ay * aRow + ax * px];
-        for (u32 c = 0; c < 3; ++c) {
-          u8 &d = want[y * dRow + x * px + c];
-          d = u8(ExactMix(d, colour >> (8 * c) & 0xFF, a));
-        }
+        u8 *d = &want[y * dRow + x * px];
+        for (u32 c = 0; c < 3; ++c) d[c] = u8(ExactMix(d[c], colour >> (8 * c) & 0xFF, a));
       }
     }
     (px == 3 ? AlphaBlendBGR24AlphaToBGR24 : AlphaBlendBGR32AlphaToBGR32)(

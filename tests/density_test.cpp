@@ -18,49 +18,28 @@ enum Member { kL08, kL08Inv, kL12, kL12Inv, kL08Flat, kL08FlatInv, kL12Flat };
 std::vector<u16> RunCentre(Member m, u16 density, u8 a, u8 opacity, u16 d, bool exact) {
   std::vector<u8> alpha(9, a), d8(9, static_cast<u8>(d));
   std::vector<u16> d16(9, d);
+  const auto run = [&](auto f, auto *dst, auto... tail) {
+    f(density, alpha.data(), 3, 3, 1, 1, dst, 3, 3, 1, 1, tail...);
+  };
+  // clang-format off
   switch (m) {
-    case kL08:
-      AlphaBlendDensityToL08(u8(density), alpha.data(), 3, 3, 1, 1, d8.data(), 3, 3, 1, 1, opacity,
-                             1, 1, exact);
-      break;
-    case kL08Inv:
-      AlphaBlendDensityToL08Inverted(u8(density), alpha.data(), 3, 3, 1, 1, d8.data(), 3, 3, 1, 1,
-                                     opacity, 1, 1, exact);
-      break;
-    case kL12:
-      AlphaBlendDensityToL12(density, alpha.data(), 3, 3, 1, 1, d16.data(), 3, 3, 1, 1, opacity, 1,
-                             1, exact);
-      break;
-    case kL12Inv:
-      AlphaBlendDensityToL12Inverted(density, alpha.data(), 3, 3, 1, 1, d16.data(), 3, 3, 1, 1,
-                                     opacity, 1, 1, exact);
-      break;
-    case kL08Flat:
-      AlphaBlendDensityToL08Flat(u8(density), alpha.data(), 3, 3, 1, 1, d8.data(), 3, 3, 1, 1, 1,
-                                 1);
-      break;
-    case kL08FlatInv:
-      AlphaBlendDensityToL08FlatInverted(u8(density), alpha.data(), 3, 3, 1, 1, d8.data(), 3, 3, 1,
-                                         1, 1, 1);
-      break;
-    case kL12Flat:
-      AlphaBlendDensityToL12Flat(density, alpha.data(), 3, 3, 1, 1, d16.data(), 3, 3, 1, 1, 1, 1);
-      break;
+    case kL08: run(AlphaBlendDensityToL08, d8.data(), opacity, 1, 1, exact); break;
+    case kL08Inv: run(AlphaBlendDensityToL08Inverted, d8.data(), opacity, 1, 1, exact); break;
+    case kL12: run(AlphaBlendDensityToL12, d16.data(), opacity, 1, 1, exact); break;
+    case kL12Inv: run(AlphaBlendDensityToL12Inverted, d16.data(), opacity, 1, 1, exact); break;
+    case kL08Flat: run(AlphaBlendDensityToL08Flat, d8.data(), 1, 1); break;
+    case kL08FlatInv: run(AlphaBlendDensityToL08FlatInverted, d8.data(), 1, 1); break;
+    case kL12Flat: run(AlphaBlendDensityToL12Flat, d16.data(), 1, 1); break;
   }
+  // clang-format on
   if (m == kL12 || m == kL12Inv || m == kL12Flat) return d16;
   return std::vector<u16>(d8.begin(), d8.end());
 }
 
 // The members the model below leaves out (the L08 ones are in it).
 TEST(DensityBlend, HandComputedPixels) {
-  struct Case {
-    Member m;
-    u16 density;
-    u8 alpha, opacity;
-    u16 d;
-    bool exact;
-    u16 want;
-  };
+  // clang-format off
+  struct Case { Member m; u16 density; u8 alpha, opacity; u16 d; bool exact; u16 want; };
   const Case cases[] = {
       {kL12, 3000, 255, 255, 100, true, 100},  // this member inverts
       {kL12, 3000, 0, 255, 100, false, 3000},  // exact form only
@@ -74,6 +53,7 @@ TEST(DensityBlend, HandComputedPixels) {
       {kL12Flat, 65535, 3, 0, 9, true, 65535},
       {kL12Flat, 65535, 0, 0, 9, true, 9},
   };
+  // clang-format on
   FastFlag fast(1);
   for (const Case &c : cases) {
     std::vector<u16> want(9, c.d);
@@ -117,12 +97,8 @@ TEST(DensityBlend, L08MembersMatchModelOnClippedScenes) {
 }
 
 TEST(DensityBlend, BlueOfTrcModes) {
-  struct Case {
-    u32 blue;
-    u8 opacity;
-    bool flat, scale;
-    u8 d, want;
-  };
+  // clang-format off
+  struct Case { u32 blue; u8 opacity; bool flat, scale; u8 d, want; };
   const Case cases[] = {
       {128, 255, false, true, 17, 100},  // (128 * 200) / 255
       {0, 255, false, true, 17, 17},
@@ -132,6 +108,7 @@ TEST(DensityBlend, BlueOfTrcModes) {
       {1, 3, true, false, 17, 200},  // flat: any nonzero blue
       {0, 255, true, true, 17, 17},
   };
+  // clang-format on
   for (const Case &c : cases) {
     // Colour bytes above blue must not count.
     std::vector<u32> trc(6, 0xFFFFFF00u | c.blue);

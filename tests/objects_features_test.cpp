@@ -34,12 +34,11 @@ int Extract(std::vector<int> &labels, int w, int h, int top, int *values, int fi
 TEST(ObjectsFeatures, RectanglesCountsCentroidsPerimetersHistograms) {
   const int w = 20, h = 12;
   // Labels 3 and 4; 5 only in the unvisited last row; 2 and 6 out of range.
-  std::vector<int> labels = Labels(w, h,
-                                   {{2, 2, 6, 5, 3},
-                                    {8, 3, 15, 10, 4},
-                                    {16, 1, 18, 2, 6},
-                                    {1, 1, 2, 2, 2},
-                                    {0, h - 1, w, h, 5}});
+  // clang-format off
+  std::vector<int> labels =
+      Labels(w, h, {{2, 2, 6, 5, 3}, {8, 3, 15, 10, 4}, {16, 1, 18, 2, 6}, {1, 1, 2, 2, 2},
+                    {0, h - 1, w, h, 5}});
+  // clang-format on
   std::vector<int> values(w * h);
   for (int i = 0; i < w * h; ++i) values[i] = i % 7;
   std::vector<SFeature> f(3);
@@ -49,13 +48,11 @@ TEST(ObjectsFeatures, RectanglesCountsCentroidsPerimetersHistograms) {
   EXPECT_EQ(Extract(labels, w, h, 0, values.data(), 3, 3, nullptr, needed, &aborted), -1);
   EXPECT_EQ(Extract(labels, w, h, 0, values.data(), 3, 0, f.data(), needed, &aborted), 0);
   ASSERT_EQ(Extract(labels, w, h, 0, values.data(), 3, 3, f.data(), needed, &aborted), 0);
+  // count, centroid x and y, perimeter (the closing contour step uncounted)
   const struct {
     int count;
     double cx, cy, perimeter;
-  } want[] = {// closing contour step uncounted
-              {12, 4.0, 3.5, 9.0},
-              {49, 11.5, 6.5, 23.0},
-              {0, 0.0, 0.0, 0.0}};
+  } want[] = {{12, 4.0, 3.5, 9.0}, {49, 11.5, 6.5, 23.0}, {0, 0.0, 0.0, 0.0}};
   for (int k = 0; k < 3; ++k) {
     EXPECT_EQ(f[k].pixelCount, want[k].count) << k;
     EXPECT_DOUBLE_EQ(f[k].centroidX, want[k].cx) << k;
