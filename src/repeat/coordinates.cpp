@@ -54,8 +54,8 @@ void ViewToFile(const char *function, std::int32_t vx, std::int32_t vy, std::int
     *fy = 0;
     return;
   }
-  OSTREL_EXPECT(function, viewRepeatWidth != 0);
-  OSTREL_EXPECT(function, viewRepeatHeight != 0);
+  OSTREL_EXPECT(function, "viewRepeatWidth", viewRepeatWidth, viewRepeatWidth != 0, "not 0");
+  OSTREL_EXPECT(function, "viewRepeatHeight", viewRepeatHeight, viewRepeatHeight != 0, "not 0");
   const std::int32_t ix = frame::TruncToInt32(FloorMod(vx, viewRepeatWidth) / zoomX);
   const std::int32_t iy = frame::TruncToInt32(FloorMod(vy, viewRepeatHeight) / zoomY);
   const std::int32_t width = Signed(repeatWidth), height = Signed(repeatHeight);
@@ -63,11 +63,11 @@ void ViewToFile(const char *function, std::int32_t vx, std::int32_t vy, std::int
     *fx = Add(ix, Mul(repeatX, width));
     *fy = Add(iy, Mul(repeatY, height));
   } else if (dropKind == kDropVertical) {
-    OSTREL_EXPECT(function, repeatHeight != 0);
+    OSTREL_EXPECT(function, "repeatHeight", repeatHeight, repeatHeight != 0, "not 0");
     *fx = ix;
     *fy = Signed(FloorMod(Sub(Add(Mul(repeatY, height), iy), verticalTerm(repeatX)), repeatHeight));
   } else {
-    OSTREL_EXPECT(function, repeatWidth != 0);
+    OSTREL_EXPECT(function, "repeatWidth", repeatWidth, repeatWidth != 0, "not 0");
     *fx = Signed(FloorMod(Sub(Add(Mul(repeatX, width), ix), horizontalTerm(repeatY)), repeatWidth));
     *fy = iy;
   }
@@ -119,8 +119,8 @@ class ScreenMapping {
 void FileToScreen(const char *function, const ScreenMapping &map, std::int32_t fx, std::int32_t fy,
                   std::uint32_t repeatWidth, std::uint32_t repeatHeight, double zoomX, double zoomY,
                   std::int32_t *sx, std::int32_t *sy) {
-  OSTREL_EXPECT(function, repeatWidth != 0);
-  OSTREL_EXPECT(function, repeatHeight != 0);
+  OSTREL_EXPECT(function, "repeatWidth", repeatWidth, repeatWidth != 0, "not 0");
+  OSTREL_EXPECT(function, "repeatHeight", repeatHeight, repeatHeight != 0, "not 0");
   const std::int32_t repeatX = FloorDiv(fx, repeatWidth);
   const std::int32_t repeatY = FloorDiv(fy, repeatHeight);
   *sx = map.X(Mul(repeatX, map.viewRepeatWidth) + FloorMod(fx, repeatWidth) * zoomX);
@@ -196,21 +196,21 @@ void FPToVP(int fx, int fy, int *vx, int *vy, unsigned int repeatWidth, unsigned
     *vy = 0;
     return;
   }
-  OSTREL_EXPECT(__func__, repeatWidth != 0);
-  OSTREL_EXPECT(__func__, repeatHeight != 0);
+  OSTREL_EXPECT(__func__, "repeatWidth", repeatWidth, repeatWidth != 0, "not 0");
+  OSTREL_EXPECT(__func__, "repeatHeight", repeatHeight, repeatHeight != 0, "not 0");
   const double insideX = repeat::FloorMod(fx, repeatWidth);  // fx mod repeatWidth
   const double insideY = repeat::FloorMod(fy, repeatHeight);
   if (!foldIntoRepeat) {
     *vx = frame::TruncToInt32(zoomX * insideX + repeat::Mul(repeatX, viewRepeatWidth));
     *vy = frame::TruncToInt32(zoomY * insideY + repeat::Mul(repeatY, viewRepeatHeight));
   } else if (dropKind == repeat::kDropVertical) {
-    OSTREL_EXPECT(__func__, viewRepeatHeight != 0);
+    OSTREL_EXPECT(__func__, "viewRepeatHeight", viewRepeatHeight, viewRepeatHeight != 0, "not 0");
     *vx = frame::TruncToInt32(zoomX * insideX);
     *vy = repeat::FloorMod(frame::TruncToInt32(repeat::Mul(repeatY, viewRepeatHeight) +
                                                insideY * zoomY - zoomY * drop * repeatX),
                            viewRepeatHeight);
   } else {
-    OSTREL_EXPECT(__func__, viewRepeatWidth != 0);
+    OSTREL_EXPECT(__func__, "viewRepeatWidth", viewRepeatWidth, viewRepeatWidth != 0, "not 0");
     *vx = repeat::FloorMod(frame::TruncToInt32(repeat::Mul(repeatX, viewRepeatWidth) +
                                                insideX * zoomX - zoomX * drop * repeatY),
                            viewRepeatWidth);
