@@ -288,8 +288,8 @@ OSTREL_API void CalcAndGetFixedBufferForThreads(unsigned int total, unsigned int
 //    bits of a 64-bit truncation; other kinds write nothing.
 //    RepeatCoordinates.SnapOffsetsAreUnequalAndBottomUpTurns
 //  - MMToSnappedSP quantises positions with (v + 1) - 1 (magnitudes below
-//    about 1.1e-16 become 0) and counts the repeat index one repeat at a
-//    time, so a call takes as long as the point is repeats away from 0.
+//    about 1.1e-16 become 0) and counts the repeat index as steps of one
+//    repeat in a 32-bit counter (taken in bounded time, see there).
 //    RepeatCoordinates.MillimetresAndArrayFormsMatchTheOnePointFileForm
 //  - CalcPosAndSizeInRepBuffer: eDropHorizontal writes nothing, not even
 //    *pieceCount; the main piece comes last; the pieces match the rectangle
@@ -467,10 +467,15 @@ OSTREL_API void FPToSnappedSP(int *fxs, int *fys, int count, int **sxs, int **sy
 // Millimetre position to screen position: (mmX * resolutionX + 1) - 1 and
 // (mmY * resolutionY + 1) - 1 file pixels (the + 1 - 1 rounds values near 0
 // to multiples of 2^-52, so magnitudes below about 1.1e-16 become 0), then
-// as FPToSnappedSP. The repeat index is counted by repeated steps of
-// the repeat size (a call takes as long as the position is repeats away
-// from 0); the fraction inside the repeat is p - floor(p / size) * size.
-// Other kinds write nothing.
+// as FPToSnappedSP. The repeat index is the count of steps of the repeat
+// size from p to 0, in a 32-bit counter that wraps; the fraction inside the
+// repeat is p - floor(p / size) * size. The count takes the same time
+// however far p lies: below 2^53 file pixels it is exactly the stepped
+// count; from 2^53 on, where a step of the repeat size may round or vanish,
+// it is the quotient p / size rounded in double precision (ceil below 0,
+// floor above), modulo 2^32. A position that is not finite (or whose pixel
+// position overflows to infinity) counts no repeats, and its coordinate
+// comes out as 0x80000000 plus the snap. Other kinds write nothing.
 OSTREL_API void MMToSnappedSP(double mmX, double mmY, int *sx, int *sy, int scrollX, int scrollY,
                               unsigned int windowHeight, unsigned int repeatWidth,
                               unsigned int repeatHeight, unsigned int drop, _EDropKind dropKind,

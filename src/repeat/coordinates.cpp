@@ -4,6 +4,7 @@
 // that meets a double (repeatX * viewRepeatWidth) is formed in 32 bits first
 // and then converted. Sums of doubles are evaluated left to right, in the documented
 // order.
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -127,16 +128,35 @@ void FileToScreen(const char *function, const ScreenMapping &map, std::int32_t f
   *sy = map.Y(Mul(repeatY, map.viewRepeatHeight) + FloorMod(fy, repeatHeight) * zoomY);
 }
 
-// repeatCount(v, p) of MMToSnappedSP: a floor division counted by steps of p.
+// repeatCount(v, p) of MMToSnappedSP: a floor division counted by steps of
+// p, in a 32-bit counter. Below 2^53 in magnitude every step is exact (v and
+// the whole number p are multiples of v's last place, and the sum shrinks),
+// so the sum after k steps is v + k * p exactly: the count skips straight to
+// a few steps short of the end and steps the rest, with the stepped result.
+// From 2^53 on a step may round (or change nothing), so the count is the
+// quotient rounded in double precision; a non-finite v counts 0 repeats.
 std::int32_t RepeatCount(double v, double p) {
-  if (p == 0) return 0;
-  std::uint32_t steps = 0;
+  if (p == 0 || !std::isfinite(v)) return 0;
+  constexpr double kExactLimit = 9007199254740992.0;  // 2^53
+  constexpr double kCounterRange = 4294967296.0;      // 2^32
+  const double magnitude = std::fabs(v);
+  const auto wrap = [&](double count) {  // a whole count, modulo 2^32
+    return static_cast<std::uint32_t>(std::fmod(count, kCounterRange));
+  };
+  if (magnitude >= kExactLimit) {
+    const std::uint32_t steps = wrap(v < 0 ? std::ceil(magnitude / p) : std::floor(v / p));
+    return v < 0 ? Signed(0u - steps) : Signed(steps);
+  }
+  // Whole steps certainly within the count: the quotient is off by less than
+  // 1 here, so two fewer cannot pass the end.
+  const double skip = std::max(0.0, std::floor(magnitude / p) - 2);
+  std::uint32_t steps = wrap(skip);
   if (v < 0) {
-    for (double sum = v; sum < 0; sum += p) ++steps;
+    for (double sum = v + skip * p; sum < 0; sum += p) ++steps;
     return Signed(0u - steps);
   }
   if (v > 0) {
-    double rest = v;
+    double rest = v - skip * p;
     for (; rest > 0; rest -= p) ++steps;
     return Signed(rest < 0 ? steps - 1 : steps);
   }
