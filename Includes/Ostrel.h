@@ -718,7 +718,8 @@ OSTREL_API OstrelInvalidParameterHandler SetInvalidParameterHandler(
 
 // Stores colour (all 32 bits) into every pixel of the region. Only the rows
 // are clipped (to the buffer's height); the caller guarantees
-// left + regionWidth <= width.
+// left + regionWidth <= width. A wider region runs on into the next rows,
+// but never past the buffer's last pixel (the checked build reports it).
 OSTREL_API void FillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned int height,
                               unsigned int left, unsigned int top, unsigned int regionWidth,
                               unsigned int regionHeight, unsigned int colour);
@@ -732,7 +733,8 @@ OSTREL_API void FillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned
 // (floor(X / squareSize), floor(Y / squareSize)), rounding toward minus
 // infinity for negative positions, and it gets colour1 when the two cell
 // indices add up to an even number, colour2 otherwise. Rows are clipped as by
-// FillTRCBuffer; columns are not. squareSize must not be 0.
+// FillTRCBuffer; columns are not (and, as there, never run past the
+// buffer's last pixel). squareSize must not be 0.
 OSTREL_API void ChessboardFillTRCBuffer(unsigned int *buffer, unsigned int width,
                                         unsigned int height, unsigned int left, unsigned int top,
                                         unsigned int regionWidth, unsigned int regionHeight,

@@ -141,6 +141,17 @@ Extent ClipRowsOnly(const Plane<Pixel> &buffer, std::uint32_t regionWidth,
   return e;
 }
 
+// The fills' columns are not clipped: a region wider than the room right of
+// left runs on into the next row, as the caller allowed. This is how many of
+// the `columns` pixels from row j's first lie inside the buffer, so that the
+// last rows never run past the buffer's last pixel.
+template <class Pixel>
+std::uint64_t ColumnsInside(const Plane<Pixel> &p, std::uint32_t j, std::uint64_t columns) {
+  const std::uint64_t end = std::uint64_t{p.width} * p.height;
+  const std::uint64_t start = (std::uint64_t{p.top} + j) * p.width + p.left;
+  return start >= end ? 0 : (columns < end - start ? columns : end - start);
+}
+
 // The checked build's test that a buffer which takes no part in clipping
 // (an alpha or mask buffer with its own corner and stride) holds the clipped
 // region: left + columns <= width and top + rows <= height.
