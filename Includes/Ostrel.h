@@ -1431,7 +1431,8 @@ OSTREL_API void DrawContourOfL08toTRC(unsigned char *src, unsigned int srcWidth,
 // pixel (min(trunc(x * scaleX), alphaWidth - 1), min(trunc(y * scaleY),
 // alphaHeight - 1)) as a; blue, green and red move by
 // d + ((k - d) * a) / 255. Bits 24-31 of colour are ignored; the fourth byte
-// of a 32-bit pixel is never touched. The coverage picture must not be empty.
+// of a 32-bit pixel is never touched. The coverage picture must not be empty
+// (an empty one changes nothing; the checked build reports it).
 
 OSTREL_API void AlphaBlendBGR24AlphaToBGR24(unsigned char *alpha, unsigned int alphaWidth,
                                             unsigned int alphaHeight, unsigned int colour,
