@@ -55,7 +55,8 @@ Plane<Pixel> MakePlane(Pixel *pixels, std::uint32_t width, std::uint32_t height,
 }
 
 // The size of a region after clipping. With rows 0 a function returns at
-// once; with columns 0 it visits every row and writes nothing.
+// once. ClipPair and ClipSingle give no rows when they give no columns, so
+// that no row address is formed for a corner beyond its buffer.
 struct Extent {
   std::uint32_t columns;
   std::uint32_t rows;
@@ -112,7 +113,7 @@ Extent ClipPair(const Plane<Src> &src, const Plane<Dst> &dst, std::uint32_t regi
   Extent e;
   e.columns = SpanBefore(dst.width, dst.left, SpanBefore(src.width, src.left, regionWidth));
   e.rows = SpanBefore(dst.height, dst.top, SpanBefore(src.height, src.top, regionHeight));
-  return e;
+  return e.Empty() ? Extent{0, 0} : e;
 }
 
 // Clips the region of a one-buffer function against its buffer.
@@ -120,8 +121,9 @@ template <class Pixel>
 Extent ClipSingle(const Plane<Pixel> &buffer, std::uint32_t regionWidth, std::uint32_t regionHeight,
                   const char *function) {
   ExpectCorner(buffer, function);
-  return Extent{SpanBefore(buffer.width, buffer.left, regionWidth),
-                SpanBefore(buffer.height, buffer.top, regionHeight)};
+  const Extent e{SpanBefore(buffer.width, buffer.left, regionWidth),
+                 SpanBefore(buffer.height, buffer.top, regionHeight)};
+  return e.Empty() ? Extent{0, 0} : e;
 }
 
 // Clips the rows only, for the fills, whose callers guarantee the columns:
