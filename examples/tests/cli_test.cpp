@@ -137,6 +137,10 @@ TEST_F(ProgramTest, BadInputFailsWithAMessageAndNoOutput) {
   ExpectFailure(kRepeatView, "--size 30x-4" + view, "zero or negative");
   ExpectFailure(kRepeatView, "--zoom 0.005" + view, "smaller than one pixel");
   ExpectFailure(kRepeatView, "--drop-kind diagonal" + view, "unknown drop kind");
+  // The built-in tile is 120 x 90; a drop must lie below its side.
+  ExpectFailure(kRepeatView, "--drop 90" + view, "bad drop 90: a vertical drop must be 0 to 89");
+  ExpectFailure(kRepeatView, "--drop-kind horizontal --drop 120" + view,
+                "horizontal drop must be 0 to 119");
   // An output directory that does not exist: the write fails, nothing is left.
   ExpectFailure(kRepeatView, "--output " + Out("no/such/dir.png"), "cannot write");
 
