@@ -40,9 +40,31 @@ bool WritePng(const std::string &path, const void *pixels, unsigned int width, u
   return Commit(temp, path, error);
 }
 
+// The kind of a PNG from the simplified API's format flags.
+std::string DescribeKind(png_uint_32 format) {
+  const bool alpha = (format & PNG_FORMAT_FLAG_ALPHA) != 0;
+  if ((format & PNG_FORMAT_FLAG_COLORMAP) != 0)
+    return alpha ? "palette with transparency" : "palette without transparency";
+  return std::string((format & PNG_FORMAT_FLAG_LINEAR) != 0 ? "16-bit " : "") +
+         ((format & PNG_FORMAT_FLAG_COLOR) != 0 ? "colour" : "grey") +
+         (alpha ? " with alpha" : " without alpha");
+}
+
+std::string Size(unsigned long long width, unsigned long long height) {
+  return std::to_string(width) + "x" + std::to_string(height);
+}
+
 }  // namespace
 
-bool ReadPicture(const std::string &path, Picture *picture, std::string *error) {
+const char *AcceptedKinds(PictureKinds kinds) {
+  return kinds == PictureKinds::kGrey
+             ? "grey without alpha, 1 to 8 bits a pixel"
+             : "grey without alpha, 1 to 8 bits a pixel, or colour with alpha, 8 bits a channel "
+               "or a palette with transparency";
+}
+
+bool ReadPicture(const std::string &path, PictureKinds kinds, Picture *picture,
+                 std::string *error) {
   std::FILE *probe = std::fopen(path.c_str(), "rb");
   if (!probe) {
     *error = path + ": cannot open: " + std::strerror(errno);
@@ -56,17 +78,23 @@ bool ReadPicture(const std::string &path, Picture *picture, std::string *error) 
     *error = path + ": not a readable PNG file (" + image.message + ")";
     return false;
   }
+  // Only the header has been read: the declared size is checked before any
+  // pixel memory is allocated.
+  if (image.width > kMaxPictureSide || image.height > kMaxPictureSide) {
+    png_image_free(&image);
+    *error = path + ": the picture is " + Size(image.width, image.height) + " pixels; at most " +
+             Size(kMaxPictureSide, kMaxPictureSide) + " are read";
+    return false;
+  }
   const png_uint_32 f = image.format;
-  const bool linear = (f & PNG_FORMAT_FLAG_LINEAR) != 0;
+  const bool deep = (f & PNG_FORMAT_FLAG_LINEAR) != 0;
   const bool colour = (f & PNG_FORMAT_FLAG_COLOR) != 0;
   const bool alpha = (f & PNG_FORMAT_FLAG_ALPHA) != 0;
-  if (linear || colour != alpha) {
+  const bool grey = !deep && !colour && !alpha;
+  if (!grey && !(kinds == PictureKinds::kGreyOrColourWithAlpha && !deep && colour && alpha)) {
     png_image_free(&image);
-    *error = path + ": unsupported PNG kind (" +
-             (linear   ? std::string("16 bits a channel")
-              : colour ? std::string("colour without alpha")
-                       : std::string("grey with alpha")) +
-             "); use 8-bit grey or 8-bit colour with alpha";
+    *error = path + ": unsupported PNG kind (" + DescribeKind(f) +
+             "); accepted: " + AcceptedKinds(kinds);
     return false;
   }
   if (image.width == 0 || image.height == 0) {
@@ -76,10 +104,10 @@ bool ReadPicture(const std::string &path, Picture *picture, std::string *error) 
   }
   picture->width = image.width;
   picture->height = image.height;
-  picture->grey = !colour;
+  picture->grey = grey;
   const std::size_t count = static_cast<std::size_t>(image.width) * image.height;
   bool ok;
-  if (picture->grey) {
+  if (grey) {
     image.format = PNG_FORMAT_GRAY;
     picture->l08.assign(count, 0);
     picture->trc.clear();

@@ -1,11 +1,15 @@
 // PNG reading and writing for the example hosts (libpng's simplified API).
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace ostrel_examples {
+
+// The largest picture the hosts read: at most this many pixels a side, so at
+// most 2^28 pixels (1 GiB decoded as colour). A PNG whose header declares
+// more is refused before any pixel memory is allocated.
+constexpr unsigned int kMaxPictureSide = 16384;
 
 // A picture read from a PNG: either 8-bit grey (one byte a pixel) or colour
 // with alpha laid out as TRC pixels (blue in bits 0-7, alpha in 24-31).
@@ -17,10 +21,19 @@ struct Picture {
   std::vector<unsigned int> trc;   // colour pictures
 };
 
-// Reads a PNG that is grey without alpha, or colour with alpha (8 bits a
-// channel). Returns false with a message in *error for a missing or
-// unreadable file and for any other kind of PNG.
-bool ReadPicture(const std::string &path, Picture *picture, std::string *error);
+// The kinds of PNG a reader takes. Grey without alpha of 1 to 8 bits a pixel
+// is read as 8-bit grey; colour with alpha (8 bits a channel, or a palette
+// with transparency) as TRC pixels.
+enum class PictureKinds { kGrey, kGreyOrColourWithAlpha };
+
+// What a reader of these kinds takes, as the programs' messages say it.
+const char *AcceptedKinds(PictureKinds kinds);
+
+// Reads a PNG of the given kinds of at most kMaxPictureSide pixels a side.
+// Returns false with a message in *error for a missing or unreadable file, a
+// picture too large, and any other kind of PNG (the message names the file's
+// kind and the accepted ones).
+bool ReadPicture(const std::string &path, PictureKinds kinds, Picture *picture, std::string *error);
 
 // Writes TRC pixels (alpha byte included) as an 8-bit RGBA PNG, or grey
 // bytes as an 8-bit grey PNG. The file is written under a temporary name in

@@ -11,9 +11,12 @@ using namespace ostrel_examples;
 
 namespace {
 
+static_assert(kMaxPictureSide == 16384, "the usage text names the size limit");
 const char kUsage[] =
     "usage: ostrel-repeat-view [options]\n"
-    "  --design FILE       design tile: PNG, 8-bit grey or colour with alpha\n"
+    "  --design FILE       design tile PNG, at most 16384 pixels a side: grey without\n"
+    "                      alpha (1 to 8 bits a pixel) or colour with alpha (8 bits a\n"
+    "                      channel, or a palette with transparency)\n"
     "                      (default: a built-in design of three layers)\n"
     "  --drop-kind KIND    none, vertical or horizontal (default vertical)\n"
     "  --drop N            drop in file pixels, below the tile's height (vertical)\n"
@@ -98,7 +101,8 @@ int main(int argc, char **argv) {
     design = SyntheticDesign();
   } else {
     Picture tile;
-    if (!ReadPicture(designPath, &tile, &error)) return Fail(error);
+    if (!ReadPicture(designPath, PictureKinds::kGreyOrColourWithAlpha, &tile, &error))
+      return Fail(error);
     design.width = tile.width;
     design.height = tile.height;
     Layer layer;
