@@ -24,7 +24,8 @@ const char kUsage[] =
     "                  (default: a built-in mask of a few shapes)\n"
     "  --frame N       width of the soft frame round the objects, 1..32 (default 6)\n"
     "  --output FILE   picture to write (default out/objects.png)\n"
-    "  --csv FILE      features to write (default out/objects.csv)\n";
+    "  --csv FILE      features to write (default out/objects.csv)\n"
+    "Missing output folders are created. Both files are written, or neither.\n";
 
 int Fail(const std::string &message) {
   std::fprintf(stderr, "ostrel-objects: %s\n", message.c_str());
@@ -77,8 +78,9 @@ int main(int argc, char **argv) {
     }
   }
 
+  std::string error = CheckOutputPaths({output, csvPath});
+  if (!error.empty()) return Fail(error);
   Picture mask;
-  std::string error;
   if (maskPath.empty()) mask = SyntheticMask();
   else if (!ReadPicture(maskPath, PictureKinds::kGrey, &mask, &error)) return Fail(error);
 
@@ -160,7 +162,9 @@ int main(int argc, char **argv) {
                   f.perimeter, f.roundness);
     csv += line;
   }
-  if (!WriteTrcPng(output, picture, w, h, &error) || !WriteTextFile(csvPath, csv, &error))
+  OutputFiles outputs;
+  if (!outputs.AddTrcPng(output, picture, w, h, &error) || !outputs.AddText(csvPath, csv, &error) ||
+      !outputs.Commit(&error))
     return Fail(error);
   std::printf("objects: %ux%u mask, %d objects found, %.1f ms -> %s, %s\n", w, h, count, ms,
               output.c_str(), csvPath.c_str());

@@ -1,6 +1,8 @@
-// PNG reading and writing for the example hosts (libpng's simplified API).
+// PNG reading and writing for the example hosts (libpng's simplified API),
+// and output files that appear together or not at all.
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -35,16 +37,55 @@ const char *AcceptedKinds(PictureKinds kinds);
 // kind and the accepted ones).
 bool ReadPicture(const std::string &path, PictureKinds kinds, Picture *picture, std::string *error);
 
-// Writes TRC pixels (alpha byte included) as an 8-bit RGBA PNG, or grey
-// bytes as an 8-bit grey PNG. The file is written under a temporary name in
-// the same directory and renamed when complete, so a failure leaves no
-// output file. Returns false with a message in *error.
+// Returns an empty string, or a message when a path names a folder (an
+// existing one, or a name ending in '/', '.' or '..') instead of a file, or
+// when two paths name the same file.
+std::string CheckOutputPaths(const std::vector<std::string> &paths);
+
+// A set of output files written together. Each is written to a temporary
+// file beside its destination, creating the destination's folder (and its
+// parents) when missing; Commit renames them all into place once all have
+// been written. A set that is not committed, or whose Commit fails, removes
+// its temporary files, the files it had already put in place and the
+// folders it created, so a failed run leaves no output behind.
+class OutputFiles {
+ public:
+  OutputFiles() = default;
+  OutputFiles(const OutputFiles &) = delete;
+  OutputFiles &operator=(const OutputFiles &) = delete;
+  ~OutputFiles();
+
+  // TRC pixels (alpha byte included) as an 8-bit RGBA PNG, grey bytes as an
+  // 8-bit grey PNG, or text. Each returns false with a message in *error.
+  bool AddTrcPng(const std::string &path, const std::vector<unsigned int> &pixels,
+                 unsigned int width, unsigned int height, std::string *error);
+  bool AddGreyPng(const std::string &path, const std::vector<unsigned char> &pixels,
+                  unsigned int width, unsigned int height, std::string *error);
+  bool AddText(const std::string &path, const std::string &text, std::string *error);
+
+  bool Commit(std::string *error);
+
+ private:
+  struct Pending {
+    std::string path, temp;
+    bool placed = false;
+  };
+  // Checks path, creates its folder and adds it; returns the temporary name
+  // to write, or an empty string with a message in *error.
+  std::string Prepare(const std::string &path, std::string *error);
+  bool WritePng(const std::string &path, const void *pixels, unsigned int width,
+                unsigned int height, unsigned int format, std::string *error);
+  void Discard();
+
+  std::vector<Pending> pending_;
+  std::vector<std::filesystem::path> createdFolders_;  // deepest first
+  bool committed_ = false;
+};
+
+// One file written as a set of its own.
 bool WriteTrcPng(const std::string &path, const std::vector<unsigned int> &pixels,
                  unsigned int width, unsigned int height, std::string *error);
 bool WriteGreyPng(const std::string &path, const std::vector<unsigned char> &pixels,
                   unsigned int width, unsigned int height, std::string *error);
-
-// Writes text to path through a temporary file and a rename, as above.
-bool WriteTextFile(const std::string &path, const std::string &text, std::string *error);
 
 }  // namespace ostrel_examples

@@ -27,7 +27,8 @@ const char kUsage[] =
     "  --size WxH          view size in pixels (default 640x400)\n"
     "  --exact             exact blend arithmetic instead of the fast form\n"
     "  --bands N           row bands drawn in parallel (default: one per processor)\n"
-    "  --output FILE       PNG to write (default out/repeat-view.png)\n";
+    "  --output FILE       PNG to write (default out/repeat-view.png; missing\n"
+    "                      folders are created)\n";
 
 int Fail(const std::string &message) {
   std::fprintf(stderr, "ostrel-repeat-view: %s\n", message.c_str());
@@ -95,8 +96,9 @@ int main(int argc, char **argv) {
     }
   }
 
+  std::string error = CheckOutputPaths({output});
+  if (!error.empty()) return Fail(error);
   Design design;
-  std::string error;
   if (designPath.empty()) {
     design = SyntheticDesign();
   } else {

@@ -1,8 +1,7 @@
 // The example programs run as a user runs them: a mask with known objects,
-// the kinds and sizes of PNG they read or refuse, and bad input that must
-// fail with a message and leave no output file.
+// the kinds and sizes of PNG they read or refuse, output folders they make,
+// and bad input that must fail with a message and leave no output file.
 #include <gtest/gtest.h>
-#include <png.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <zlib.h>
@@ -164,37 +163,39 @@ TEST_F(ProgramTest, RepeatViewDrawsAGreyDesignAtTheRequestedSize) {
 }
 
 TEST_F(ProgramTest, BadInputFailsWithAMessageAndNoOutput) {
-  std::string error;
-  ASSERT_TRUE(
-      WriteTrcPng(In("colour.png"), std::vector<unsigned int>(64, 0xFF102030u), 8, 8, &error))
-      << error;
-  png_image rgb{};  // colour without alpha
-  rgb.version = PNG_IMAGE_VERSION;
-  rgb.width = rgb.height = 4;
-  rgb.format = PNG_FORMAT_RGB;
-  ASSERT_TRUE(png_image_write_to_file(&rgb, In("rgb.png").c_str(), 0,
-                                      std::vector<unsigned char>(48, 90).data(), 0, nullptr));
   std::ofstream(In("text.png")) << "not a picture\n";
-
+  std::ofstream(In("blocker")) << "a file where a folder is wanted\n";
+  WriteCraftedPng(In("grey.png"), 40, 30, 8, 0, "");
   const std::string view = " --output " + Out("v.png");
-  ExpectFailure(kRepeatView, "--design " + In("missing.png") + view, "cannot open");
-  ExpectFailure(kRepeatView, "--design " + In("text.png") + view, "not a readable PNG");
-  ExpectFailure(kRepeatView, "--design " + In("rgb.png") + view, "unsupported PNG kind");
-  ExpectFailure(kRepeatView, "--size 0x20" + view, "zero or negative");
-  ExpectFailure(kRepeatView, "--size 30x-4" + view, "zero or negative");
-  ExpectFailure(kRepeatView, "--zoom 0.005" + view, "smaller than one pixel");
-  ExpectFailure(kRepeatView, "--drop-kind diagonal" + view, "unknown drop kind");
-  // The built-in tile is 120 x 90; a drop must lie below its side.
-  ExpectFailure(kRepeatView, "--drop 90" + view, "bad drop 90: a vertical drop must be 0 to 89");
-  ExpectFailure(kRepeatView, "--drop-kind horizontal --drop 120" + view,
-                "horizontal drop must be 0 to 119");
-  // An output directory that does not exist: the write fails, nothing is left.
-  ExpectFailure(kRepeatView, "--output " + Out("no/such/dir.png"), "cannot write");
-
-  const std::string objects = " --output " + Out("o.png") + " --csv " + Out("o.csv");
-  ExpectFailure(kObjects, "--mask " + In("colour.png") + objects, "unsupported PNG kind");
-  ExpectFailure(kObjects, "--mask " + In("text.png") + objects, "not a readable PNG");
-  ExpectFailure(kObjects, "--frame 0" + objects, "bad frame width");
+  const std::string png = " --output " + Out("o.png"), csv = " --csv " + Out("o.csv");
+  const struct {
+    const std::string &program;
+    std::string args, message;
+  } cases[] = {
+      {kRepeatView, "--design " + In("missing.png") + view, "cannot open"},
+      {kRepeatView, "--design " + In("text.png") + view, "not a readable PNG"},
+      {kRepeatView, "--size 0x20" + view, "zero or negative"},
+      {kRepeatView, "--size 30x-4" + view, "zero or negative"},
+      {kRepeatView, "--zoom 0.005" + view, "smaller than one pixel"},
+      {kRepeatView, "--drop-kind diagonal" + view, "unknown drop kind"},
+      // The built-in tile is 120 x 90; a 40 x 30 one from a file.
+      {kRepeatView, "--drop 90" + view, "bad drop 90: a vertical drop must be 0 to 89"},
+      {kRepeatView, "--drop-kind horizontal --drop 120" + view, "horizontal drop must be 0 to 119"},
+      {kRepeatView, "--design " + In("grey.png") + " --drop 30" + view, "must be 0 to 29"},
+      {kRepeatView, "--output " + Out(""), "out/: is a folder"},
+      {kRepeatView, "--output " + (dir_ / "out").string(), "out: is a folder"},
+      {kRepeatView, "--output " + Out("."), "is a folder"},
+      {kObjects, "--mask " + In("text.png") + png + csv, "not a readable PNG"},
+      {kObjects, "--frame 0" + png + csv, "bad frame width"},
+      {kObjects, png + " --csv " + (dir_ / "out").string(), "out: is a folder"},
+      {kObjects, png + " --csv " + Out("o.png"), "given for two outputs"},
+      // The picture is written first; the CSV then fails, and neither
+      // file, nor the folders made for them, may be left.
+      {kObjects, png + " --csv " + In("blocker") + "/o.csv", "blocker is not a folder"},
+      {kObjects, " --output " + Out("new/deep/o.png") + " --csv /proc/ostrel-test.csv",
+       "/proc/ostrel-test.csv: cannot write"},
+  };
+  for (const auto &c : cases) ExpectFailure(c.program, c.args, c.message);
 }
 
 // Each kind of PNG is read, or refused with a message naming its kind and
@@ -266,6 +267,21 @@ TEST_F(ProgramTest, OversizedPngIsRefusedBeforeItsPixelsAreAllocated) {
                 "--design " + In("edge.png") + " --size 64x32 --output " + Out("v.png"), limit),
             0)
       << err_;
+}
+
+// Outputs go to folders that are made when missing, also the default out/
+// under whatever folder the programs run in.
+TEST_F(ProgramTest, OutputFoldersAreCreated) {
+  fs::create_directories(dir_ / "run");
+  const std::string cd = "cd '" + (dir_ / "run").string() + "' && ";
+  ASSERT_EQ(Run(kObjects, "", cd), 0) << err_;
+  ASSERT_EQ(Run(kRepeatView, "", cd), 0) << err_;
+  ASSERT_EQ(Run(kRepeatView, "--size 50x40 --output " + Out("a/b/v.png")), 0) << err_;
+  ExpectPictureSize("a/b/v.png", 50, 40);
+  ExpectPictureSize("../run/out/objects.png", 320, 200);
+  ExpectPictureSize("../run/out/repeat-view.png", 640, 400);
+  EXPECT_TRUE(fs::is_regular_file(dir_ / "run/out/objects.csv"));
+  EXPECT_EQ(std::distance(fs::directory_iterator(dir_ / "run/out"), fs::directory_iterator()), 3);
 }
 
 }  // namespace
