@@ -30,7 +30,7 @@ namespace compositing = ostrel::compositing;
 void FillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned int height, unsigned int left,
                    unsigned int top, unsigned int regionWidth, unsigned int regionHeight,
                    unsigned int colour) {
-  const auto plane = frame::MakePlane(buffer, width, height, left, top);
+  const auto plane = frame::MakePlane(buffer, width, height, left, top, "");
   const frame::Extent e = frame::ClipRowsOnly(plane, regionWidth, regionHeight, __func__);
   if (e.Empty()) return;
   const compositing::FillKernels &k = compositing::ActiveFillKernels();
@@ -46,8 +46,8 @@ void ChessboardFillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned 
                              unsigned int left, unsigned int top, unsigned int regionWidth,
                              unsigned int regionHeight, int phaseX, int phaseY,
                              unsigned int colour1, unsigned int colour2, unsigned int squareSize) {
-  OSTREL_EXPECT(__func__, squareSize != 0);
-  const auto plane = frame::MakePlane(buffer, width, height, left, top);
+  OSTREL_EXPECT(__func__, "squareSize", squareSize, squareSize != 0, "not 0");
+  const auto plane = frame::MakePlane(buffer, width, height, left, top, "");
   const frame::Extent e = frame::ClipRowsOnly(plane, regionWidth, regionHeight, __func__);
   if (e.Empty()) return;
   const compositing::FillKernels &k = compositing::ActiveFillKernels();
@@ -91,8 +91,8 @@ void Copy2DTRCBufferToTRC(unsigned int *src, unsigned int srcWidth, unsigned int
                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                           unsigned int dstTop, unsigned int regionWidth,
                           unsigned int regionHeight) {
-  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, __func__);
   if (e.Empty()) return;
   if (e.columns == srcWidth && e.columns == dstWidth) {
@@ -110,8 +110,8 @@ void CopyTRCToTRCIfNotKeyColor(unsigned int *src, unsigned int srcWidth, unsigne
                                unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                                unsigned int dstTop, unsigned int regionWidth,
                                unsigned int regionHeight, unsigned int keyColor) {
-  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, __func__);
   if (e.Empty()) return;
   const compositing::FillKernels &k = compositing::ActiveFillKernels();
