@@ -118,12 +118,15 @@ unsigned int RunInRowBands(unsigned int height, Job job, unsigned int bandCount 
 namespace banded {
 namespace detail {
 
-// Region rows (or columns) after the library's two-buffer clipping, in its
-// unsigned arithmetic.
+// Region rows (or columns) after the library's two-buffer clipping: the
+// part of span units from start that lies inside each buffer, taken without
+// wrapping (a span reaching past 2^32 goes to the edge).
+inline unsigned int SpanBefore(unsigned int end, unsigned int start, unsigned int span) {
+  return start >= end ? 0 : std::min(end - start, span);
+}
 inline unsigned int ClipPair(unsigned int srcSize, unsigned int srcStart, unsigned int dstSize,
                              unsigned int dstStart, unsigned int span) {
-  span = std::min(srcSize, srcStart + span) - srcStart;
-  return std::min(dstSize, dstStart + span) - dstStart;
+  return SpanBefore(dstSize, dstStart, SpanBefore(srcSize, srcStart, span));
 }
 
 // Runs call(top, rows) over the region's clipped rows in bands, or once as

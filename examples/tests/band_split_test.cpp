@@ -29,11 +29,11 @@ const Geometry kGeometries[] = {
     {"clipped at the destination's right edge", 53, 29, 2, 0, 41, 26, 7, 3, 100, 100, true},
     {"whole rows from column 0", 40, 33, 0, 0, 40, 33, 0, 0, 40, 33, true},
     {"clipped by the source's right edge", 20, 30, 0, 4, 40, 30, 10, 0, 50, 22, false},
+    {"sizes to the edges", 30, 27, 4, 3, 28, 29, 2, 5, 0xFFFFFFFFu, 0xFFFFFFFFu, true},
 };
 
 // Random pixels, a quarter of them 0 (blendZero and the two-level step test
-// for 0). Destinations have one word more than their rows: the two-level
-// 12-bit blends write the word after a region's last row.
+// for 0).
 struct Buffers {
   std::vector<unsigned int> trcSrc, trcDst;
   std::vector<unsigned char> l08Src, l08Dst, alpha, ownAlpha, lookup;
@@ -46,7 +46,7 @@ struct Buffers {
       return random() % 4 == 0 ? 0u : static_cast<unsigned int>(random() % range);
     };
     const std::size_t s = static_cast<std::size_t>(g.sw) * g.sh,
-                      d = static_cast<std::size_t>(g.dw) * g.dh + 1;
+                      d = static_cast<std::size_t>(g.dw) * g.dh;
     for (std::size_t i = 0; i < s; ++i) {
       trcSrc.push_back(value(0xFFFFFFFFu));
       l08Src.push_back(static_cast<unsigned char>(value(256)));
