@@ -29,8 +29,20 @@
 //
 // Source pixel (srcLeft + i, srcTop + j) pairs with destination pixel
 // (dstLeft + i, dstTop + j). The region is cut at the right and bottom edges
-// of both buffers (to the narrower of the two). It is never cut at the left or
-// top: left <= width and top <= height are the caller's to guarantee.
+// of both buffers (to the narrower of the two):
+//   columns = min(srcWidth, srcLeft + regionWidth) - srcLeft, then
+//   columns = min(dstWidth, dstLeft + columns) - dstLeft; rows likewise.
+// The sums are taken without wrapping, so a region size that reaches past
+// 2^32 (0xFFFFFFFF among them) means "to the buffer's edge". The region is
+// never cut at the left or top: left <= width and top <= height are the
+// caller's to guarantee. A corner beyond its buffer leaves no columns (or no
+// rows), so nothing is written; the checked build (OSTREL_CHECKED) reports it.
+//
+// Alpha and mask buffers with a geometry of their own take no part in
+// clipping unless their function says so: they are read from their own
+// corner with their own width as stride, and must hold the clipped region.
+// The checked build reports an alpha or mask region that reaches past its
+// buffer's width or height.
 //
 // Rows are processed top to bottom, pixels left to right. Raster functions
 // keep no state, allocate nothing on the heap and may run on several threads
@@ -73,10 +85,16 @@
 // and the sizing of one zeroed scratch buffer shared by several threads. No
 // other function starts threads: the raster functions (the compositing and
 // object sections further down) run on the caller's thread. To spread such a
-// call over several threads, a caller cuts a picture into row bands (never
-// column bands: a few 12-bit blends write one pixel past their region on
-// each row), hands each band to a worker, and waits for the bands' done
-// events. examples/band_split.h shows the whole round.
+// call over several threads, a caller cuts a picture into row bands, hands
+// each band to a worker, and waits for the bands' done events;
+// examples/band_split.h shows the whole round. Bands give the same pixels as
+// one call for every raster function but two: AlphaBlendL12ToL12 with shared
+// alpha and AlphaBlendL12ToL12FlatAlpha, with twoLevel set and blendZero not
+// 0, write the word just right of each region row. Where the region reaches
+// the buffer's right edge, that word is the first pixel of the next row,
+// which the band below also writes: run such a call whole (or cut bands
+// whose regions stop short of the right edge). The same write rules out
+// column bands for those two.
 
 // Nonzero when the processor offers MMX: the same query that decides, when
 // the library is loaded, whether the fast blend forms run.
@@ -177,7 +195,8 @@ inline void SynchFlagStore(unsigned int *flag, unsigned int value) {
 // shared out (linesPerThread = total / threadCount) and every line has
 // other pixels; with splitLines false, total pixels of a line are
 // (pixelsPerLine = total / threadCount) and every slice has other lines.
-// threadCount must not be 0 and bytesPerPixel must be positive.
+// threadCount must not be 0 (0 raises the processor's divide fault) and
+// bytesPerPixel must be positive.
 //
 // The buffer may take a quarter of the memory figure M (MiB) that the
 // suite's memory manager reports: limit = floor(floor(M * 0.5) * 0.5 *
@@ -269,8 +288,8 @@ OSTREL_API void CalcAndGetFixedBufferForThreads(unsigned int total, unsigned int
 //    bits of a 64-bit truncation; other kinds write nothing.
 //    RepeatCoordinates.SnapOffsetsAreUnequalAndBottomUpTurns
 //  - MMToSnappedSP quantises positions with (v + 1) - 1 (magnitudes below
-//    about 1.1e-16 become 0) and counts the repeat index one repeat at a
-//    time, so a call takes as long as the point is repeats away from 0.
+//    about 1.1e-16 become 0) and counts the repeat index as steps of one
+//    repeat in a 32-bit counter (taken in bounded time, see there).
 //    RepeatCoordinates.MillimetresAndArrayFormsMatchTheOnePointFileForm
 //  - CalcPosAndSizeInRepBuffer: eDropHorizontal writes nothing, not even
 //    *pieceCount; the main piece comes last; the pieces match the rectangle
@@ -448,10 +467,15 @@ OSTREL_API void FPToSnappedSP(int *fxs, int *fys, int count, int **sxs, int **sy
 // Millimetre position to screen position: (mmX * resolutionX + 1) - 1 and
 // (mmY * resolutionY + 1) - 1 file pixels (the + 1 - 1 rounds values near 0
 // to multiples of 2^-52, so magnitudes below about 1.1e-16 become 0), then
-// as FPToSnappedSP. The repeat index is counted by repeated steps of
-// the repeat size (a call takes as long as the position is repeats away
-// from 0); the fraction inside the repeat is p - floor(p / size) * size.
-// Other kinds write nothing.
+// as FPToSnappedSP. The repeat index is the count of steps of the repeat
+// size from p to 0, in a 32-bit counter that wraps; the fraction inside the
+// repeat is p - floor(p / size) * size. The count takes the same time
+// however far p lies: below 2^53 file pixels it is exactly the stepped
+// count; from 2^53 on, where a step of the repeat size may round or vanish,
+// it is the quotient p / size rounded in double precision (ceil below 0,
+// floor above), modulo 2^32. A position that is not finite (or whose pixel
+// position overflows to infinity) counts no repeats, and its coordinate
+// comes out as 0x80000000 plus the snap. Other kinds write nothing.
 OSTREL_API void MMToSnappedSP(double mmX, double mmY, int *sx, int *sy, int scrollX, int scrollY,
                               unsigned int windowHeight, unsigned int repeatWidth,
                               unsigned int repeatHeight, unsigned int drop, _EDropKind dropKind,
@@ -694,7 +718,8 @@ OSTREL_API OstrelInvalidParameterHandler SetInvalidParameterHandler(
 
 // Stores colour (all 32 bits) into every pixel of the region. Only the rows
 // are clipped (to the buffer's height); the caller guarantees
-// left + regionWidth <= width.
+// left + regionWidth <= width. A wider region runs on into the next rows,
+// but never past the buffer's last pixel (the checked build reports it).
 OSTREL_API void FillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned int height,
                               unsigned int left, unsigned int top, unsigned int regionWidth,
                               unsigned int regionHeight, unsigned int colour);
@@ -708,7 +733,8 @@ OSTREL_API void FillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned
 // (floor(X / squareSize), floor(Y / squareSize)), rounding toward minus
 // infinity for negative positions, and it gets colour1 when the two cell
 // indices add up to an even number, colour2 otherwise. Rows are clipped as by
-// FillTRCBuffer; columns are not. squareSize must not be 0.
+// FillTRCBuffer; columns are not (and, as there, never run past the
+// buffer's last pixel). squareSize must not be 0.
 OSTREL_API void ChessboardFillTRCBuffer(unsigned int *buffer, unsigned int width,
                                         unsigned int height, unsigned int left, unsigned int top,
                                         unsigned int regionWidth, unsigned int regionHeight,
@@ -1151,7 +1177,12 @@ OSTREL_API void AlphaBlendL08ToL08FlatAlpha(unsigned char *src, unsigned char *a
 //  - twoLevel acts only with blendZero not 0, and on the next pixel: after
 //    column x is stored, the word at column x + 1 is set to 4095 when it is
 //    not 0, before it is blended. So each row's last step writes the word
-//    just right of the region, which the caller must allow for.
+//    just right of the region, which the caller must allow for: where the
+//    region reaches the buffer's right edge, that word is the first pixel
+//    of the next row (so row bands of one buffer must not run on several
+//    threads at once with twoLevel set and blendZero not 0). On the buffer's
+//    last row, where that word would lie past the buffer's last pixel, it is
+//    neither read nor written.
 OSTREL_API void AlphaBlendL12ToL12(unsigned short *src, unsigned char *alpha,
                                    unsigned int srcWidth, unsigned int srcHeight,
                                    unsigned int srcLeft, unsigned int srcTop, unsigned short *dst,
@@ -1176,7 +1207,10 @@ OSTREL_API void AlphaBlendL12ToL12(unsigned short *src, unsigned int srcWidth,
                                    bool exact);
 
 // Flat alpha, with the scaled source and the next-pixel twoLevel test of the
-// shared-geometry AlphaBlendL12ToL12 (including its write beyond the region).
+// shared-geometry AlphaBlendL12ToL12, including its write just right of the
+// region (into the next row at the buffer's right edge, so not in row bands
+// on several threads with twoLevel set and blendZero not 0; never past the
+// buffer's last pixel).
 OSTREL_API void AlphaBlendL12ToL12FlatAlpha(unsigned short *src, unsigned char *alpha,
                                             unsigned int srcWidth, unsigned int srcHeight,
                                             unsigned int srcLeft, unsigned int srcTop,
@@ -1397,7 +1431,8 @@ OSTREL_API void DrawContourOfL08toTRC(unsigned char *src, unsigned int srcWidth,
 // pixel (min(trunc(x * scaleX), alphaWidth - 1), min(trunc(y * scaleY),
 // alphaHeight - 1)) as a; blue, green and red move by
 // d + ((k - d) * a) / 255. Bits 24-31 of colour are ignored; the fourth byte
-// of a 32-bit pixel is never touched. The coverage picture must not be empty.
+// of a 32-bit pixel is never touched. The coverage picture must not be empty
+// (an empty one changes nothing; the checked build reports it).
 
 OSTREL_API void AlphaBlendBGR24AlphaToBGR24(unsigned char *alpha, unsigned int alphaWidth,
                                             unsigned int alphaHeight, unsigned int colour,

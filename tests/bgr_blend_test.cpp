@@ -38,6 +38,13 @@ TEST(BgrBlend, MatchesNearestNeighbourModel) {
                          << ah << ", destination " << dw << "x" << dh << ", scale " << sx << ","
                          << sy;
   }
+  // An empty coverage picture has nothing to sample: the picture stays.
+  std::vector<u8> empty, dst(16 * 3, 7);
+  for (auto blend : {AlphaBlendBGR24AlphaToBGR24, AlphaBlendBGR32AlphaToBGR32}) {
+    blend(empty.data(), 0, 3, 0xFFFFFF, dst.data(), 4, 3, 1.0, 1.0);
+    blend(empty.data(), 3, 0, 0xFFFFFF, dst.data(), 4, 3, 1.0, 1.0);
+  }
+  EXPECT_EQ(dst, std::vector<u8>(16 * 3, 7));
 }
 
 }  // namespace

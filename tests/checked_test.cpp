@@ -1,10 +1,11 @@
 // The checked build: caller errors stop the process with a message naming the
-// exported function and the failed condition; valid calls, edge cases
-// included, run through.
+// exported function, the caller's argument, its value and what was expected;
+// valid calls, edge cases included, run through.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "Ostrel.h"
@@ -19,48 +20,48 @@ TEST(CheckedBuildDeathTest, CallerErrorsAbortNamingFunctionAndCondition) {
     const char *message;
   } errors[] = {
       {[] { FillTRCBuffer(g_a, 8, 8, 2, 0, 7, 1, 0); },
-       "Ostrel: caller error in FillTRCBuffer: .*left.* \\+ regionWidth <= .*width"},
+       "FillTRCBuffer: regionWidth is 7, expected at most width - left \\(6\\)"},
       {[] { FillTRCBuffer(g_a, 8, 8, 0, 9, 1, 1, 0); },
-       "Ostrel: caller error in FillTRCBuffer: .*top <= .*height"},
+       "FillTRCBuffer: top is 9, expected at most height \\(8\\)"},
       {[] { ChessboardFillTRCBuffer(g_a, 8, 8, 0, 0, 8, 8, 0, 0, 1, 2, 0); },
-       "Ostrel: caller error in ChessboardFillTRCBuffer: squareSize != 0"},
+       "ChessboardFillTRCBuffer: squareSize is 0, expected not 0"},
       {[] { ChessboardFillTRCBuffer(g_a, 8, 8, 1, 0, 8, 8, 0, 0, 1, 2, 4); },
-       "Ostrel: caller error in ChessboardFillTRCBuffer: .*left.* \\+ regionWidth <= .*width"},
+       "ChessboardFillTRCBuffer: regionWidth is 8, expected at most width - left \\(7\\)"},
       {[] { Copy2DTRCBufferToTRC(g_a, 8, 8, 9, 0, g_b, 8, 8, 0, 0, 1, 1); },
-       "Ostrel: caller error in Copy2DTRCBufferToTRC: .*src.left <= src.width"},
+       "Copy2DTRCBufferToTRC: srcLeft is 9, expected at most srcWidth \\(8\\)"},
       {[] { Copy2DTRCBufferToTRC(g_a, 8, 8, 0, 0, g_b, 8, 8, 0, 9, 1, 1); },
-       "Ostrel: caller error in Copy2DTRCBufferToTRC: .*dst.top <= dst.height"},
+       "Copy2DTRCBufferToTRC: dstTop is 9, expected at most dstHeight \\(8\\)"},
       {[] { CopyTRCToTRCIfNotKeyColor(g_a, 8, 8, 0, 0, g_b, 8, 8, 9, 0, 1, 1, 0); },
-       "Ostrel: caller error in CopyTRCToTRCIfNotKeyColor: .*dst.left <= dst.width"},
+       "CopyTRCToTRCIfNotKeyColor: dstLeft is 9, expected at most dstWidth \\(8\\)"},
       {[] { CopyTRCToTRCIfNotKeyColor(g_a, 8, 8, 0, 9, g_b, 8, 8, 0, 0, 1, 1, 0); },
-       "Ostrel: caller error in CopyTRCToTRCIfNotKeyColor: .*src.top <= src.height"},
+       "CopyTRCToTRCIfNotKeyColor: srcTop is 9, expected at most srcHeight \\(8\\)"},
       {[] {
          int x, y;
          SetInRapp(-5, 3, 0, 80, 0, eDropVertical, &x, &y);
        },
-       "Ostrel: caller error in SetInRapp: repeatWidth != 0"},
+       "SetInRapp: repeatWidth is 0, expected not 0"},
       {[] {
          int count, x[5], w[5], y[5], h[5];
          CalcPosAndSizeInRepBuffer(-5, 3, 1, 1, 0, 80, eDropVertical, 0, &count, x, w, y, h, false);
        },
-       "Ostrel: caller error in CalcPosAndSizeInRepBuffer: repeatWidth != 0"},
-      {[] { kgV(6, 0); }, "Ostrel: caller error in kgV: b != 0"},
+       "CalcPosAndSizeInRepBuffer: repeatWidth is 0, expected not 0"},
+      {[] { kgV(6, 0); }, "kgV: b is 0, expected not 0"},
       {[] {
          unsigned char grey[64] = {};
          AlphaBlendDensityWithAlphaBlueOfTrcToL08(g_a, 8, 8, 9, 0, 1, grey, 255, 8, 8, 0, 0, 1, 1,
                                                   false, false);
        },
-       "Ostrel: caller error in AlphaBlendDensityWithAlphaBlueOfTrcToL08: .*src.left <= src.width"},
+       "AlphaBlendDensityWithAlphaBlueOfTrcToL08: trcLeft is 9, expected at most trcWidth \\(8\\)"},
       {[] {
          const double xs[] = {1.0}, ys[] = {2.0};
          GetLinearInterpoliertenWert(xs, ys, 1, 0.5);
        },
-       "Ostrel: caller error in GetLinearInterpoliertenWert: count >= 2"},
+       "GetLinearInterpoliertenWert: count is 1, expected at least 2"},
       {[] {
          unsigned char mask[4] = {5, 5, 5, 5};
          Fill<unsigned char>(mask, 2, 2, 0, 0, 0, 0, 1, 1, 5, nullptr);
        },
-       "Ostrel: caller error in Fill: fillValue != target"},
+       "Fill: fillValue is 5, expected a value other than the seed pixel's"},
       {[] {
          int labels[16] = {};
          SFeature f;
@@ -68,9 +69,46 @@ TEST(CheckedBuildDeathTest, CallerErrorsAbortNamingFunctionAndCondition) {
          MultiObjectFeatureExtract<int>(labels, 4, 4, 0, 0, 4, 4, labels, 1, 1, &f,
                                         static_cast<EFeaturesNeeded>(7), &aborted);
        },
-       "Ostrel: caller error in MultiObjectFeatureExtract: .*accumulator != nullptr"},
+       "MultiObjectFeatureExtract: featuresNeeded is orientation bits, expected InitFeatureTables"},
+      // Arguments of other buffers and derived values name the caller's
+      // argument.
+      {[] {
+         unsigned char alpha[64] = {}, grey[64] = {};
+         AlphaBlendDensityToL08(1, alpha, 8, 8, 9, 0, grey, 8, 8, 0, 0, 255, 1, 1, true);
+       },
+       "AlphaBlendDensityToL08: alphaLeft is 9, expected at most alphaWidth \\(8\\)"},
+      {[] { NUeberK(80, 40); }, "NUeberK: n is 80, expected below k \\+ 34"},
+      {[] { GetRapport(3.0, 0.5, 0.0); }, "GetRapport: repeatSize is 0.5, expected a whole part"},
+      {[] {
+         unsigned int n, p, b;
+         unsigned char *buffer;
+         CalcAndGetFixedBufferForThreads(64, 4, 4, 0, &n, &p, &b, &buffer, true);
+       },
+       "CalcAndGetFixedBufferForThreads: threadCount is 0, expected not 0"},
+      // Regions of buffers that take no part in clipping must lie inside them.
+      {[] {
+         unsigned char mask[16] = {};
+         AlphaBlendColorToTRC(0, mask, 4, 4, 2, 0, g_b, 8, 8, 0, 0, 255, 3, 2, true);
+       },
+       "AlphaBlendColorToTRC: maskLeft is 2, expected at most maskWidth - the region's clipped "
+       "width \\(1\\)"},
+      {[] {
+         unsigned char alpha[16] = {};
+         unsigned short s[64] = {}, d[64] = {};
+         AlphaBlendL12ToL12(s, 8, 8, 0, 0, alpha, 4, 4, 0, 2, d, 8, 8, 0, 0, 255, 1, false, 4, 3,
+                            true);
+       },
+       "AlphaBlendL12ToL12: alphaTop is 2, expected at most alphaHeight - the region's clipped "
+       "height \\(1\\)"},
+      {[] {
+         unsigned char s[64] = {};
+         DrawContourOfL08toTRC(s, 8, 8, 0, 0, g_b, 8, 8, 0, 0, 5, 1, 0);
+       },
+       "DrawContourOfL08toTRC: regionHeight is 1, expected a region of at least 2 rows"},
   };
-  for (const auto &e : errors) EXPECT_DEATH(e.call(), e.message);
+  for (const auto &e : errors) {
+    EXPECT_DEATH(e.call(), std::string("Ostrel: caller error in ") + e.message);
+  }
 }
 
 TEST(CheckedBuildDeathTest, ValidCallsRunThrough) {
@@ -84,6 +122,10 @@ TEST(CheckedBuildDeathTest, ValidCallsRunThrough) {
         Copy2DTRCBufferToTRC(g_a, 8, 8, 8, 8, g_b, 8, 8, 8, 8, 5, 5);
         Copy2DTRCBufferToTRC(g_a, 8, 8, 5, 6, g_b, 4, 16, 1, 0, 9, 9);
         CopyTRCToTRCIfNotKeyColor(g_a, 4, 16, 3, 15, g_b, 8, 8, 0, 0, 9, 9, 1);
+        Copy2DTRCBufferToTRC(g_a, 8, 8, 1, 2, g_b, 8, 8, 0, 0, 0xFFFFFFFF,
+                             0xFFFFFFFF);  // to the edge
+        unsigned char mask[16] = {};       // a mask region that just fits
+        AlphaBlendColorToTRC(0, mask, 4, 4, 1, 2, g_b, 8, 8, 0, 0, 255, 3, 2, true);
         ConvertBufferFrom32To24Bits(g_a, reinterpret_cast<unsigned char *>(g_b), 64);
         std::exit(0);
       },

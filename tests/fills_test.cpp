@@ -164,6 +164,28 @@ TEST(FillAndChessboard, EveryIsaMatchesModel) {
     });
 }
 
+// A region wider than the room right of left runs on into the next rows, as
+// rows do in memory, but stops at the buffer's last pixel: the model spills
+// into spare room past the buffer, which the library must leave alone.
+TEST(FillAndChessboard, WideRegionsStopAtTheBuffersEnd) {
+  constexpr u32 kSpare = 64, kMark = 0xDEADBEEF;
+  const struct {
+    u32 w, h, left, top, rw, rh;
+  } cases[] = {{5, 3, 2, 2, 6, 1}, {5, 3, 0, 1, 5 * 7, 9}, {4, 4, 3, 0, 4, 4}, {7, 2, 6, 1, 40, 1}};
+  for (const auto &c : cases) {
+    for (bool chess : {false, true}) {
+      std::vector<u32> got(c.w * c.h + kSpare, kMark), want = got;
+      ModelChessboard(want.data(), c.w, c.h + kSpare, c.left, c.top, c.rw,
+                      std::min(c.rh, c.h - c.top), -3, 2, 1, chess ? 2 : 1, 3);
+      std::fill(want.begin() + c.w * c.h, want.end(), kMark);
+      if (chess)
+        ChessboardFillTRCBuffer(got.data(), c.w, c.h, c.left, c.top, c.rw, c.rh, -3, 2, 1, 2, 3);
+      else FillTRCBuffer(got.data(), c.w, c.h, c.left, c.top, c.rw, c.rh, 1);
+      EXPECT_EQ(got, want) << "case " << (&c - cases) << (chess ? ", chessboard" : ", fill");
+    }
+  }
+}
+
 // Source and destination anywhere (left <= width, top <= height) at random
 // offsets; the region overhangs the right and bottom edges of either. Returns
 // both windows. Keyed sources hold the key, near-keys (one bit off, alpha

@@ -24,7 +24,7 @@ struct Scene {
   u32 aw = 12, al, at;  // own alpha
   u8 opacity, blendZero;
   bool twoLevel, withAlpha;
-  std::vector<u16> src, dst;  // dst has one guard word past its last row
+  std::vector<u16> src, dst;  // dst has one guard word past its last row, never written
   std::vector<u8> alpha;
 };
 
@@ -76,7 +76,8 @@ void Model(Scene &s) {
       }
       int r = ExactMix(*d, scaled ? v / 255 : v, w) & (Is12(s.m) ? 0xFFFF : 0xFF);
       *d = u16(force && r ? full : r);
-      if (nextForced && d[1] != 0) d[1] = 4095;
+      // Never past the buffer's last pixel: the guard word stays.
+      if (nextForced && d + 1 != &s.dst[s.dw * s.dh] && d[1] != 0) d[1] = 4095;
     }
   }
 }

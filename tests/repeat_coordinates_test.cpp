@@ -1,5 +1,9 @@
 // View, file and screen coordinates: folds against the endless design, round trips, VPToFPDb's
 // rounding, the unequal snap offsets and the bottom-up turn pinned, array forms against one point.
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <limits>
 #include <random>
 
 #include "repeat_test_util.h"
@@ -157,6 +161,44 @@ TEST(RepeatCoordinates, MillimetresAndArrayFormsMatchTheOnePointFileForm) {
   EXPECT_EQ(ToScreen(-1e-15 / 2, -1e-15 / 4, s, true), Point(0, 0));
   // A million repeats of 7, counted step by step.
   EXPECT_EQ(ToScreen(5e5, -2.5e5, {7, 7, 0, 1, 1}, true), Point(1000000, -1000000));
+}
+
+// The repeat count of MMToSnappedSP is the count of steps of the repeat size
+// (in a 32-bit counter) however far the point lies, and every call returns at
+// once: beyond 2^53 file pixels the rounded quotient, no repeats for a
+// position that is not finite.
+TEST(RepeatCoordinates, MillimetreRepeatCountIsTheSteppedCountInBoundedTime) {
+  const auto stepped = [](double v, double p) {  // the count, one repeat at a time
+    std::uint32_t steps = 0;
+    double rest = v;
+    if (v < 0) {
+      for (; rest < 0; rest += p) ++steps;
+      return int(0u - steps);
+    }
+    for (; rest > 0; rest -= p) ++steps;
+    return int(rest < 0 ? steps - 1 : steps);
+  };
+  std::mt19937 rng(5);
+  for (int round = 0; round < 400; ++round) {
+    const unsigned width = 1 + rng() % 997, height = 1 + rng() % 997;
+    // Near multiples of the size, where the count turns.
+    const double nudges[] = {0, 1e-9, -1e-9, 0.5, -0.25, 1e-12};
+    const double k = double(int(rng() % 400001) - 200000);
+    const double px = k * width + nudges[rng() % 6], py = -k * height + nudges[rng() % 6];
+    const Scene s = {width, height, 0, 1, 1};
+    const auto expect = [](double v, double size, int count) {  // zoom 1, no scroll, no snap
+      return int(v - std::floor(v / size) * size + double(count) * size);
+    };
+    ASSERT_EQ(ToScreen(px / 2, py / 4, s, true),
+              Point(expect(px, width, stepped(px, width)), expect(py, height, stepped(py, height))))
+        << px << ", " << py << " in " << width << " x " << height;
+  }
+  const double far = 72057594037927968.0;  // 2^56 + 32 file pixels: 2^54 + 8 repeats of 4
+  EXPECT_EQ(ToScreen(far / 2, -far / 4, {4, 4, 0, 1, 1}, true), Point(32, -32));
+  const double inf = std::numeric_limits<double>::infinity();
+  for (double v : {inf, -inf, std::nan("")})
+    EXPECT_EQ(ToScreen(v, v, {7, 7, 0, 1, 1, eDropVertical, 0, 0, 480, 3}, true),
+              Point(INT_MIN, INT_MIN));
 }
 
 }  // namespace

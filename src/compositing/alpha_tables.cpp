@@ -14,8 +14,8 @@ template <class P, class PixelFn>
 void ForEachMaskedPixel(P *buffer, unsigned char *alpha, unsigned int width, unsigned int height,
                         unsigned int left, unsigned int top, unsigned int regionWidth,
                         unsigned int regionHeight, const char *function, PixelFn &&pixel) {
-  const auto b = frame::MakePlane(buffer, width, height, left, top);
-  const auto a = frame::MakePlane(alpha, width, height, left, top);
+  const auto b = frame::MakePlane(buffer, width, height, left, top, "");
+  const auto a = frame::MakePlane(alpha, width, height, left, top, "");
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, function);
   for (std::uint32_t j = 0; j < e.rows; ++j) {
     P *row = b.Row(j);
@@ -52,8 +52,8 @@ void ApplyAlphaToL08(unsigned char *buffer, unsigned char *alpha, unsigned int w
                                     });
     return;
   }
-  const auto b = frame::MakePlane(buffer, width, height, left, top);
-  const auto m = frame::MakePlane(alpha, width, height, left, top);
+  const auto b = frame::MakePlane(buffer, width, height, left, top, "");
+  const auto m = frame::MakePlane(alpha, width, height, left, top, "");
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   compositing::GreyBlend blend;
   blend.opacity = opacity;
@@ -99,7 +99,7 @@ void InvertAlphaL08(unsigned char *buffer, unsigned char *alpha, unsigned int wi
 void ApplyLUTToL08(unsigned char *buffer, unsigned int width, unsigned int height,
                    unsigned int left, unsigned int top, unsigned int regionWidth,
                    unsigned int regionHeight, unsigned char *table) {
-  const auto b = frame::MakePlane(buffer, width, height, left, top);
+  const auto b = frame::MakePlane(buffer, width, height, left, top, "");
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   compositing::GreyBlend blend;
   blend.table = table;
@@ -111,7 +111,7 @@ void ApplyLUTToL08(unsigned char *buffer, unsigned int width, unsigned int heigh
 void ApplyLUTToL12(unsigned short *buffer, unsigned int width, unsigned int height,
                    unsigned int left, unsigned int top, unsigned int regionWidth,
                    unsigned int regionHeight, unsigned short *table) {
-  const auto b = frame::MakePlane(buffer, width, height, left, top);
+  const auto b = frame::MakePlane(buffer, width, height, left, top, "");
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   frame::ForEachRow(b, e, [&](unsigned short *row, std::uint32_t n) {
     for (std::uint32_t i = 0; i < n; ++i) row[i] = table[row[i]];

@@ -26,9 +26,16 @@ void BlendBgr(unsigned int pixelBytes, const unsigned char *alpha, unsigned int 
               unsigned int alphaHeight, unsigned int colour, unsigned char *dst,
               unsigned int dstWidth, unsigned int dstHeight, double scaleX, double scaleY,
               const char *function) {
-  // An empty coverage picture makes the clamp wrap: a caller error.
-  OSTREL_EXPECT(function, dstWidth == 0 || dstHeight == 0 || alphaWidth != 0);
-  OSTREL_EXPECT(function, dstWidth == 0 || dstHeight == 0 || alphaHeight != 0);
+  // An empty coverage picture is a caller error.
+  OSTREL_EXPECT(function, "alphaWidth", alphaWidth,
+                dstWidth == 0 || dstHeight == 0 || alphaWidth != 0,
+                "not 0 (the coverage picture must not be empty)");
+  OSTREL_EXPECT(function, "alphaHeight", alphaHeight,
+                dstWidth == 0 || dstHeight == 0 || alphaHeight != 0,
+                "not 0 (the coverage picture must not be empty)");
+  // With nothing to sample from, nothing changes (the clamp would wrap and
+  // sample outside the coverage picture).
+  if (alphaWidth == 0 || alphaHeight == 0) return;
   const std::size_t alphaRow = RowBytes(alphaWidth, pixelBytes);
   const std::size_t dstRow = RowBytes(dstWidth, pixelBytes);
   for (unsigned int y = 0; y < dstHeight; ++y) {

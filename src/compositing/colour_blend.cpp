@@ -14,8 +14,8 @@ void BlendSourceRows(unsigned int *src, unsigned int srcWidth, unsigned int srcH
                      unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
                      TrcRowKernel kernel, const TrcBlend &blend, const char *function) {
   const auto s = frame::MakePlane(static_cast<const unsigned int *>(src), srcWidth, srcHeight,
-                                  srcLeft, srcTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+                                  srcLeft, srcTop, "src");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
   if (e.rows == 0) return;
   BlendRows(e, kernel, blend, [&](std::uint32_t j) {
@@ -45,11 +45,12 @@ void BlendThroughAlphaPlane(unsigned int *src, unsigned int srcWidth, unsigned i
                             unsigned int dstTop, unsigned char opacity, unsigned int regionWidth,
                             unsigned int regionHeight, int form, const char *function) {
   const auto s = frame::MakePlane(static_cast<const unsigned int *>(src), srcWidth, srcHeight,
-                                  srcLeft, srcTop);
+                                  srcLeft, srcTop, "src");
   const auto a = frame::MakePlane(static_cast<const unsigned char *>(alpha), alphaWidth,
-                                  alphaHeight, alphaLeft, alphaTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+                                  alphaHeight, alphaLeft, alphaTop, "alpha");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
+  frame::ExpectHolds(a, e, function);
   if (e.rows == 0) return;
   BlendRows(e, ActiveTrcBlendKernels().pixelsByBytes[form], PaintBlend(0, opacity),
             [&](std::uint32_t j) {

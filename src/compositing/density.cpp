@@ -15,8 +15,8 @@ void DensityRows(unsigned char density, unsigned char *alpha, unsigned int alpha
                  unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                  unsigned int regionWidth, unsigned int regionHeight, GreyRowKernel kernel,
                  const char *function) {
-  const auto a = frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const auto a = frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, "alpha");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(a, d, regionWidth, regionHeight, function);
   GreyBlend blend;
   blend.density = density;
@@ -37,8 +37,8 @@ void DensityWords(unsigned short density, unsigned char *alpha, unsigned int alp
                   unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                   unsigned int regionWidth, unsigned int regionHeight, bool inverse,
                   const char *function) {
-  ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight,
-                   dstLeft, dstTop, regionWidth, regionHeight, function,
+  ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, "alpha", dst, dstWidth,
+                   dstHeight, dstLeft, dstTop, regionWidth, regionHeight, function,
                    [&](unsigned char a, unsigned short &d) {
                      const std::uint32_t c = inverse ? 255u - a : a;
                      d = static_cast<std::uint16_t>(frame::blend::ExactChannel(
@@ -102,9 +102,9 @@ void AlphaBlendDensityToL08Flat(unsigned char density, unsigned char *alpha,
                                 unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                                 unsigned int dstTop, unsigned int regionWidth,
                                 unsigned int regionHeight) {
-  compositing::ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth,
-                                dstHeight, dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                                [&](unsigned char a, unsigned char &d) {
+  compositing::ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, "alpha", dst,
+                                dstWidth, dstHeight, dstLeft, dstTop, regionWidth, regionHeight,
+                                __func__, [&](unsigned char a, unsigned char &d) {
                                   if (a != 0) d = density;
                                 });
 }
@@ -116,9 +116,9 @@ void AlphaBlendDensityToL08FlatInverted(unsigned char density, unsigned char *al
                                         unsigned int dstHeight, unsigned int dstLeft,
                                         unsigned int dstTop, unsigned int regionWidth,
                                         unsigned int regionHeight) {
-  compositing::ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth,
-                                dstHeight, dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                                [&](unsigned char a, unsigned char &d) {
+  compositing::ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, "alpha", dst,
+                                dstWidth, dstHeight, dstLeft, dstTop, regionWidth, regionHeight,
+                                __func__, [&](unsigned char a, unsigned char &d) {
                                   if (a == 0) d = density;
                                 });
 }
@@ -129,9 +129,9 @@ void AlphaBlendDensityToL12Flat(unsigned short density, unsigned char *alpha,
                                 unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                                 unsigned int dstTop, unsigned int regionWidth,
                                 unsigned int regionHeight) {
-  compositing::ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth,
-                                dstHeight, dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                                [&](unsigned char a, unsigned short &d) {
+  compositing::ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, "alpha", dst,
+                                dstWidth, dstHeight, dstLeft, dstTop, regionWidth, regionHeight,
+                                __func__, [&](unsigned char a, unsigned short &d) {
                                   if (a != 0) d = density;
                                 });
 }
@@ -145,7 +145,7 @@ void AlphaBlendDensityWithAlphaBlueOfTrcToL08(
   // Taken here: inside the lambda __func__ would name its call operator.
   const char *const function = __func__;
   const auto run = [&](auto &&pixel) {
-    compositing::ForEachPixelPair(trc, trcWidth, trcHeight, trcLeft, trcTop, dst, dstWidth,
+    compositing::ForEachPixelPair(trc, trcWidth, trcHeight, trcLeft, trcTop, "trc", dst, dstWidth,
                                   dstHeight, dstLeft, dstTop, regionWidth, regionHeight, function,
                                   [&](unsigned int t, unsigned char &d) { pixel(t & 0xFFu, d); });
   };
@@ -174,8 +174,9 @@ void AlphaBlendL08WithAlphaBufferToL08(
     unsigned int srcLeft, unsigned int srcTop, unsigned char *dst, unsigned int dstWidth,
     unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
     unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
-  compositing::BlendGreysThroughAlpha(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
-                                      frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
-                                      frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop),
-                                      regionWidth, regionHeight, opacity, false, __func__);
+  compositing::BlendGreysThroughAlpha(
+      frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src"),
+      frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop, "src"),
+      frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst"), regionWidth, regionHeight,
+      opacity, false, __func__);
 }

@@ -30,24 +30,28 @@ namespace compositing = ostrel::compositing;
 void FillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned int height, unsigned int left,
                    unsigned int top, unsigned int regionWidth, unsigned int regionHeight,
                    unsigned int colour) {
-  const auto plane = frame::MakePlane(buffer, width, height, left, top);
+  const auto plane = frame::MakePlane(buffer, width, height, left, top, "");
   const frame::Extent e = frame::ClipRowsOnly(plane, regionWidth, regionHeight, __func__);
   if (e.Empty()) return;
   const compositing::FillKernels &k = compositing::ActiveFillKernels();
   if (e.columns == width) {
     // Whole rows are one run of pixels.
-    k.fill(plane.Row(0), static_cast<std::size_t>(e.columns) * e.rows, colour);
+    const std::uint64_t run = std::uint64_t{e.columns} * e.rows;
+    k.fill(plane.Row(0), static_cast<std::size_t>(frame::ColumnsInside(plane, 0, run)), colour);
     return;
   }
-  frame::ForEachRow(plane, e, [&](unsigned int *row, unsigned int n) { k.fill(row, n, colour); });
+  for (std::uint32_t j = 0; j < e.rows; ++j) {
+    k.fill(plane.Row(j), static_cast<std::size_t>(frame::ColumnsInside(plane, j, e.columns)),
+           colour);
+  }
 }
 
 void ChessboardFillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned int height,
                              unsigned int left, unsigned int top, unsigned int regionWidth,
                              unsigned int regionHeight, int phaseX, int phaseY,
                              unsigned int colour1, unsigned int colour2, unsigned int squareSize) {
-  OSTREL_EXPECT(__func__, squareSize != 0);
-  const auto plane = frame::MakePlane(buffer, width, height, left, top);
+  OSTREL_EXPECT(__func__, "squareSize", squareSize, squareSize != 0, "not 0");
+  const auto plane = frame::MakePlane(buffer, width, height, left, top, "");
   const frame::Extent e = frame::ClipRowsOnly(plane, regionWidth, regionHeight, __func__);
   if (e.Empty()) return;
   const compositing::FillKernels &k = compositing::ActiveFillKernels();
@@ -64,9 +68,10 @@ void ChessboardFillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned 
   std::int64_t previousCellY = 0;
   for (unsigned int j = 0; j < e.rows; ++j) {
     unsigned int *row = plane.Row(j);
+    const auto columns = static_cast<std::int64_t>(frame::ColumnsInside(plane, j, e.columns));
     const std::int64_t cellY = compositing::FloorDiv(compositing::WrappingSum(phaseY, j), size);
     if (j > 0 && copyRows && cellY == previousCellY) {
-      std::memcpy(row, row - width, static_cast<std::size_t>(e.columns) * sizeof *row);
+      std::memcpy(row, row - width, static_cast<std::size_t>(columns) * sizeof *row);
       continue;
     }
     previousCellY = cellY;
@@ -74,8 +79,8 @@ void ChessboardFillTRCBuffer(unsigned int *buffer, unsigned int width, unsigned 
     unsigned int current = oddCell ? colour2 : colour1;
     unsigned int next = oddCell ? colour1 : colour2;
     std::int64_t run = firstRun;
-    for (std::int64_t i = 0; i < e.columns;) {
-      const std::int64_t n = run < e.columns - i ? run : e.columns - i;
+    for (std::int64_t i = 0; i < columns;) {
+      const std::int64_t n = run < columns - i ? run : columns - i;
       k.fill(row + i, static_cast<std::size_t>(n), current);
       i += n;
       run = size;
@@ -91,8 +96,8 @@ void Copy2DTRCBufferToTRC(unsigned int *src, unsigned int srcWidth, unsigned int
                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                           unsigned int dstTop, unsigned int regionWidth,
                           unsigned int regionHeight) {
-  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, __func__);
   if (e.Empty()) return;
   if (e.columns == srcWidth && e.columns == dstWidth) {
@@ -110,8 +115,8 @@ void CopyTRCToTRCIfNotKeyColor(unsigned int *src, unsigned int srcWidth, unsigne
                                unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                                unsigned int dstTop, unsigned int regionWidth,
                                unsigned int regionHeight, unsigned int keyColor) {
-  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, __func__);
   if (e.Empty()) return;
   const compositing::FillKernels &k = compositing::ActiveFillKernels();

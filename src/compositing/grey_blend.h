@@ -21,14 +21,15 @@ void BlendGreysThroughAlpha(const frame::Plane<unsigned char> &src,
 
 // Calls pixel(source value, destination pixel reference) for each pixel of
 // the clipped two-buffer region, rows top to bottom, pixels left to right.
+// covPrefix names the coverage buffer's arguments ("alpha", "src", ...).
 template <class Cov, class Dst, class PixelFn>
 inline void ForEachPixelPair(Cov *coverage, unsigned int covWidth, unsigned int covHeight,
-                             unsigned int covLeft, unsigned int covTop, Dst *dst,
-                             unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
-                             unsigned int dstTop, unsigned int regionWidth,
+                             unsigned int covLeft, unsigned int covTop, const char *covPrefix,
+                             Dst *dst, unsigned int dstWidth, unsigned int dstHeight,
+                             unsigned int dstLeft, unsigned int dstTop, unsigned int regionWidth,
                              unsigned int regionHeight, const char *function, PixelFn &&pixel) {
-  const auto c = frame::MakePlane(coverage, covWidth, covHeight, covLeft, covTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const auto c = frame::MakePlane(coverage, covWidth, covHeight, covLeft, covTop, covPrefix);
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(c, d, regionWidth, regionHeight, function);
   frame::ForEachRowPair(c, d, e, [&](Cov *cov, Dst *out, std::uint32_t n) {
     for (std::uint32_t i = 0; i < n; ++i) pixel(cov[i], out[i]);

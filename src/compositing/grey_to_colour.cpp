@@ -16,8 +16,8 @@ void BlendThroughGrey(const unsigned char *src, unsigned int srcWidth, unsigned 
                       unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
                       TrcRowKernel kernel, const TrcBlend &blend, const unsigned char *lookup,
                       const char *function) {
-  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
   if (e.rows == 0) return;
   if (lookup == nullptr) {
@@ -105,9 +105,9 @@ void AlphaBlendL08WithAlphaBufferToTRC(unsigned char *src, unsigned char *alpha,
                                        unsigned int dstLeft, unsigned int dstTop,
                                        unsigned char opacity, unsigned int regionWidth,
                                        unsigned int regionHeight, bool /*exact: exact form only*/) {
-  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto a = frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
+  const auto a = frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop, "src");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, __func__);
   if (e.rows == 0) return;
   compositing::BlendRows(e, compositing::ActiveTrcBlendKernels().greysByBytes,
@@ -125,8 +125,8 @@ void AlphaBlendL12ToTRC(unsigned short *src, unsigned int srcWidth, unsigned int
                         unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
                         unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                         unsigned int regionWidth, unsigned int regionHeight, bool exact) {
-  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, __func__);
   if (e.rows == 0) return;
   compositing::BlendRows(

@@ -27,6 +27,7 @@ void GreyRows(const frame::Plane<P> &s, const frame::Plane<unsigned char> &a,
               const frame::Plane<P> &d, unsigned int regionWidth, unsigned int regionHeight,
               const char *function, RowFn &&row) {
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
+  if (a.pixels != nullptr) frame::ExpectHolds(a, e, function);
   for (std::uint32_t j = 0; j < e.rows; ++j) {
     row(s.Row(j), a.pixels != nullptr ? a.Row(j) : nullptr, d.Row(j), e.columns);
   }
@@ -50,15 +51,17 @@ void BlendRow(const P *s, const unsigned char *alpha, P *d, std::uint32_t n, con
 // The shared-geometry 12-bit members: the source divided by 255 except with
 // alpha and blendZero 0, and twoLevel (with blendZero only) applied to the
 // word after each one stored, which reaches one word past the row's region.
+// That word is left alone where it would lie past the buffer's last pixel
+// (nextInBuffer false: the region's row ends the buffer).
 void BlendL12SharedRow(const std::uint16_t *s, const unsigned char *alpha, std::uint16_t *d,
-                       std::uint32_t n, const GreyMode &m, bool twoLevel) {
+                       std::uint32_t n, const GreyMode &m, bool twoLevel, bool nextInBuffer) {
   const bool scaled = m.blendZero || alpha == nullptr;
   const bool nextForced = twoLevel && m.blendZero;
   for (std::uint32_t i = 0; i < n; ++i) {
     if (!m.blendZero && s[i] == 0) continue;
     const std::int32_t source = scaled ? s[i] / 255 : s[i];
     d[i] = static_cast<std::uint16_t>(ExactChannel(d[i], source, Coverage(alpha, i, m)));
-    if (nextForced && d[i + 1] != 0) d[i + 1] = 4095;
+    if (nextForced && (i + 1 < n || nextInBuffer) && d[i + 1] != 0) d[i + 1] = 4095;
   }
 }
 
@@ -68,10 +71,10 @@ void BlendShared(P *src, unsigned char *alpha, unsigned int srcWidth, unsigned i
                  unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                  unsigned int regionWidth, unsigned int regionHeight, const GreyMode &m,
                  const char *function) {
-  GreyRows(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
-           frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
-           frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight,
-           function, [&](const P *s, const unsigned char *a, P *d, std::uint32_t n) {
+  GreyRows(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src"),
+           frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop, "src"),
+           frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst"), regionWidth,
+           regionHeight, function, [&](const P *s, const unsigned char *a, P *d, std::uint32_t n) {
              BlendRow(s, a, d, n, m);
            });
 }
@@ -83,10 +86,10 @@ void BlendOwn(P *src, unsigned int srcWidth, unsigned int srcHeight, unsigned in
               unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
               unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
               const GreyMode &m, const char *function) {
-  GreyRows(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
-           frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop),
-           frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight,
-           function, [&](const P *s, const unsigned char *a, P *d, std::uint32_t n) {
+  GreyRows(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src"),
+           frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, "alpha"),
+           frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst"), regionWidth,
+           regionHeight, function, [&](const P *s, const unsigned char *a, P *d, std::uint32_t n) {
              BlendRow(s, a, d, n, m);
            });
 }
@@ -97,12 +100,13 @@ void BlendL12Shared(unsigned short *src, unsigned char *alpha, unsigned int srcW
                     unsigned int dstLeft, unsigned int dstTop, unsigned int regionWidth,
                     unsigned int regionHeight, const GreyMode &m, bool twoLevel,
                     const char *function) {
-  GreyRows(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
-           frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
-           frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight,
-           function,
+  const std::uint16_t *const end = dst + static_cast<std::size_t>(dstWidth) * dstHeight;
+  GreyRows(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src"),
+           frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop, "src"),
+           frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst"), regionWidth,
+           regionHeight, function,
            [&](const std::uint16_t *s, const unsigned char *a, std::uint16_t *d, std::uint32_t n) {
-             BlendL12SharedRow(s, a, d, n, m, twoLevel);
+             BlendL12SharedRow(s, a, d, n, m, twoLevel, d + n != end);
            });
 }
 
@@ -142,10 +146,10 @@ void AlphaBlendL08ToL08(unsigned char *src, unsigned char *alpha, unsigned int s
   if (alpha != nullptr && blendZero != 0) {
     // Every pixel blended through the alpha buffer: the row kernels.
     compositing::BlendGreysThroughAlpha(
-        frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
-        frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop),
-        frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight,
-        opacity, twoLevel, __func__);
+        frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src"),
+        frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop, "src"),
+        frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst"), regionWidth,
+        regionHeight, opacity, twoLevel, __func__);
     return;
   }
   const compositing::GreyMode m{opacity, blendZero != 0, false, twoLevel ? 255u : 0u};
@@ -163,10 +167,10 @@ void AlphaBlendL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int 
                         unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
   if (alpha != nullptr && blendZero != 0) {
     compositing::BlendGreysThroughAlpha(
-        frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop),
-        frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop),
-        frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop), regionWidth, regionHeight,
-        opacity, twoLevel, __func__);
+        frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src"),
+        frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, "alpha"),
+        frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst"), regionWidth,
+        regionHeight, opacity, twoLevel, __func__);
     return;
   }
   const compositing::GreyMode m{opacity, blendZero != 0, false,

@@ -1,5 +1,8 @@
 // Marking and level conversion: two-level masks, 12-bit to 8-bit grey, and
 // marks over a TRC view.
+#include <algorithm>
+#include <cstdint>
+
 #include "Ostrel.h"
 #include "compositing/grey_blend.h"
 #include "frame/blend.h"
@@ -15,8 +18,8 @@ void ConvertRegion(S *src, unsigned int srcWidth, unsigned int srcHeight, unsign
                    unsigned int srcTop, D *dst, unsigned int dstWidth, unsigned int dstHeight,
                    unsigned int dstLeft, unsigned int dstTop, unsigned int regionWidth,
                    unsigned int regionHeight, const char *function, Convert &&convert) {
-  ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft,
-                   dstTop, regionWidth, regionHeight, function,
+  ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, "src", dst, dstWidth, dstHeight,
+                   dstLeft, dstTop, regionWidth, regionHeight, function,
                    [&](S v, D &out) { out = convert(v); });
 }
 
@@ -24,7 +27,7 @@ template <class P>
 void ToTwoLevelInPlace(P *buffer, unsigned int width, unsigned int height, unsigned int left,
                        unsigned int top, unsigned int regionWidth, unsigned int regionHeight,
                        const char *function) {
-  const auto b = frame::MakePlane(buffer, width, height, left, top);
+  const auto b = frame::MakePlane(buffer, width, height, left, top, "");
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, function);
   frame::ForEachRow(b, e, [](P *row, std::uint32_t n) {
     for (std::uint32_t i = 0; i < n; ++i) row[i] = row[i] != 0 ? 255 : 0;
@@ -100,8 +103,8 @@ void MarkL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHei
                   unsigned char opacity, unsigned int *dst, unsigned int dstWidth,
                   unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                   unsigned int regionWidth, unsigned int regionHeight) {
-  compositing::ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                                dstLeft, dstTop, regionWidth, regionHeight, __func__,
+  compositing::ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, "src", dst, dstWidth,
+                                dstHeight, dstLeft, dstTop, regionWidth, regionHeight, __func__,
                                 [&](unsigned char v, unsigned int &out) {
                                   if (selected[v])
                                     out = frame::blend::ExactPixel(out, colour, opacity);
@@ -115,8 +118,9 @@ void MarkBG(unsigned char **masks, int *maskIndices, int maskCount, unsigned int
             unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
             unsigned int regionWidth, unsigned int regionHeight) {
   // The masks' geometry, as offsets into any one of them.
-  const auto m = frame::MakePlane<unsigned char>(nullptr, maskWidth, maskHeight, maskLeft, maskTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const auto m =
+      frame::MakePlane<unsigned char>(nullptr, maskWidth, maskHeight, maskLeft, maskTop, "mask");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(m, d, regionWidth, regionHeight, __func__);
   for (std::uint32_t j = 0; j < e.rows; ++j) {
     const std::size_t rowStart = (static_cast<std::size_t>(maskTop) + j) * maskWidth + maskLeft;
@@ -136,8 +140,8 @@ void MarkL08LimitsToTRCHighBit(unsigned char *src, unsigned int srcWidth, unsign
                                unsigned char high, unsigned int *dst, unsigned int dstWidth,
                                unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                                unsigned int regionWidth, unsigned int regionHeight) {
-  compositing::ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                                dstLeft, dstTop, regionWidth, regionHeight, __func__,
+  compositing::ForEachPixelPair(src, srcWidth, srcHeight, srcLeft, srcTop, "src", dst, dstWidth,
+                                dstHeight, dstLeft, dstTop, regionWidth, regionHeight, __func__,
                                 [&](unsigned char v, unsigned int &out) {
                                   if (v == 0) return;
                                   // The alpha byte is replaced: 0x80 below the limits, 0x40
@@ -155,18 +159,30 @@ void DrawContourOfL08toTRC(unsigned char *src, unsigned int srcWidth, unsigned i
                            unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                            unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
                            unsigned int colour) {
-  OSTREL_EXPECT(__func__, srcLeft <= srcWidth && srcTop <= srcHeight);
-  OSTREL_EXPECT(__func__, dstLeft <= dstWidth && dstTop <= dstHeight);
+  const auto src0 = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
+  const auto dst0 = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
+  frame::ExpectCorner(src0, __func__);
+  frame::ExpectCorner(dst0, __func__);
   // The source region carries a one-pixel border round the drawn area, so
-  // the destination may be two pixels narrower and lower than it.
-  const std::uint32_t srcRight = frame::MinU32(srcWidth, srcLeft + regionWidth);
-  const std::uint32_t columns = frame::MinU32(dstWidth + 2, srcRight - srcLeft + dstLeft) - dstLeft;
-  const std::uint32_t srcBottom = frame::MinU32(srcHeight, srcTop + regionHeight);
-  const std::uint32_t rows = frame::MinU32(dstHeight + 2, srcBottom - srcTop + dstTop) - dstTop;
-  OSTREL_EXPECT(__func__, rows >= 2);
-  if (rows - 2 == 0) return;
-  OSTREL_EXPECT(__func__, columns >= 2);
-  const std::uint32_t inner = columns - 2;
+  // the destination may be two pixels narrower and lower than it. The sums
+  // are taken in 64 bits: a region size reaching past 2^32 means "to the
+  // edge", and a clipped size below 2 (the caller's error) draws nothing.
+  const auto clip = [](std::uint32_t srcSpan, std::uint32_t dstEnd, std::uint32_t dstStart) {
+    const std::uint64_t end =
+        std::min(std::uint64_t{dstEnd} + 2, std::uint64_t{srcSpan} + dstStart);
+    return end < std::uint64_t{dstStart} + 2 ? std::uint64_t{0} : end - dstStart;
+  };
+  const std::uint64_t columns =
+      clip(frame::SpanBefore(srcWidth, srcLeft, regionWidth), dstWidth, dstLeft);
+  const std::uint64_t rows =
+      clip(frame::SpanBefore(srcHeight, srcTop, regionHeight), dstHeight, dstTop);
+  OSTREL_EXPECT(__func__, "regionHeight", regionHeight, rows >= 2,
+                "a region of at least 2 rows after clipping");
+  if (rows <= 2) return;
+  OSTREL_EXPECT(__func__, "regionWidth", regionWidth, columns >= 2,
+                "a region of at least 2 columns after clipping");
+  if (columns < 2) return;
+  const auto inner = static_cast<std::uint32_t>(columns - 2);
   for (std::uint32_t j = 0; j < rows - 2; ++j) {
     // The source row of the drawn row j starts at its left border pixel.
     const unsigned char *s = src + (static_cast<std::size_t>(srcTop) + 1 + j) * srcWidth + srcLeft;

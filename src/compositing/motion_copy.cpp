@@ -43,13 +43,14 @@ void MotionCopy(P *src, unsigned int srcWidth, unsigned int srcHeight, unsigned 
   if (dstLeft >= dstWidth || dstTop >= dstHeight || srcLeft >= srcWidth || srcTop >= srcHeight) {
     return;
   }
-  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto a = frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
+  const auto a = frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, "alpha");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
   const auto order = static_cast<std::uint32_t>(mode);
   if (order > 3 || e.rows == 0) return;
-  OSTREL_EXPECT(function, alpha != nullptr);
+  OSTREL_EXPECT(function, "alpha", static_cast<const void *>(alpha), alpha != nullptr, "not null");
+  frame::ExpectHolds(a, e, function);
   const bool upward = (order & 1u) != 0, leftward = (order & 2u) != 0;
   for (std::uint32_t k = 0; k < e.rows; ++k) {
     const std::uint32_t j = upward ? e.rows - 1 - k : k;

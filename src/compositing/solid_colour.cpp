@@ -14,9 +14,10 @@ void BlendThroughMask(const unsigned char *mask, unsigned int maskWidth, unsigne
                       unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                       unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight,
                       const TrcBlend &blend, const char *function, RowKernelFor &&run) {
-  const auto m = frame::MakePlane(mask, maskWidth, maskHeight, maskLeft, maskTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const auto m = frame::MakePlane(mask, maskWidth, maskHeight, maskLeft, maskTop, "mask");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipSingle(d, regionWidth, regionHeight, function);
+  frame::ExpectHolds(m, e, function);
   if (e.rows == 0) return;
   for (std::uint32_t j = 0; j < e.rows; ++j) {
     TrcRow row{d.Row(j), e.columns};
@@ -37,7 +38,7 @@ void AlphaBlendColorWithConstAlphaToTRC(unsigned int colour, unsigned int *buffe
                                         unsigned int width, unsigned int height, unsigned int left,
                                         unsigned int top, unsigned int regionWidth,
                                         unsigned int regionHeight, bool exact) {
-  const auto b = frame::MakePlane(buffer, width, height, left, top);
+  const auto b = frame::MakePlane(buffer, width, height, left, top, "");
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   if (e.rows == 0) return;
   compositing::TrcBlend blend = compositing::PaintBlend(colour, 0);
@@ -120,8 +121,8 @@ void AlphaBlendAlphaToTRC(unsigned char value, unsigned char *mask, unsigned int
                           unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                           unsigned int regionWidth, unsigned int regionHeight,
                           bool /*exact: exact form only*/) {
-  const auto m = frame::MakePlane(mask, maskWidth, maskHeight, maskLeft, maskTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const auto m = frame::MakePlane(mask, maskWidth, maskHeight, maskLeft, maskTop, "mask");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(m, d, regionWidth, regionHeight, __func__);
   if (e.rows == 0) return;
   const compositing::TrcBlend blend =
@@ -139,8 +140,8 @@ void AlphaBlendColorWithAlphaBlueOfTrcToTrc(
     unsigned int srcTop, unsigned int colour, unsigned int *dst, unsigned char opacity,
     unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
     unsigned int regionWidth, unsigned int regionHeight, bool flat, bool scaleColour) {
-  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop);
-  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop);
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, __func__);
   if (e.rows == 0) return;
   const compositing::TrcBlendKernels &k = compositing::ActiveTrcBlendKernels();

@@ -9,6 +9,7 @@
 #include "VornelException.h"
 #include "VornelLargeAllocator.h"
 #include "VornelMemMgr.h"
+#include "frame/checked.h"
 #include "frame/module.h"
 #include "frame/platform.h"
 
@@ -155,6 +156,11 @@ void CalcAndGetFixedBufferForThreads(unsigned int total, unsigned int other, int
                                      unsigned int threadCount, unsigned int *linesPerThread,
                                      unsigned int *pixelsPerLine, unsigned int *lineBytes,
                                      unsigned char **buffer, bool splitLines) {
+  OSTREL_EXPECT(__func__, "threadCount", threadCount, threadCount != 0, "not 0");
+  OSTREL_EXPECT(__func__, "bytesPerPixel", bytesPerPixel, bytesPerPixel > 0, "positive");
+  // A thread count of 0 is the caller's error: the processor's divide fault,
+  // as for the library's other zero divisors.
+  if (threadCount == 0) frame::platform::RaiseIntegerDivideFault();
   std::uint64_t lines = splitLines ? total / threadCount : other;
   std::uint64_t pixels = splitLines ? other : total / threadCount;
   const std::uint64_t pixelBytes =

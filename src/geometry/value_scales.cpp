@@ -66,7 +66,7 @@ double GetNiceSmallerValue(double v) { return geometry::Nice(v, -1); }
 
 double GetLinearInterpoliertenWert(const double *xs, const double *ys, unsigned int count,
                                    double x) {
-  OSTREL_EXPECT(__func__, count >= 2);
+  OSTREL_EXPECT(__func__, "count", count, count >= 2, "at least 2");
   // The first segment that holds x, in either direction. With fewer than two
   // points the first segment is taken as it is.
   unsigned int i = 0;

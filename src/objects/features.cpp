@@ -159,7 +159,8 @@ template <class T>
 bool MeasureOrientations(const char *function, const T *labels, int width, const ClampedRegion &r,
                          T firstLabel, int objectCount, SFeature *features) {
   FeatureTables &t = g_tables;
-  OSTREL_EXPECT(function, t.accumulator != nullptr && t.n > 0);
+  OSTREL_EXPECT(function, "featuresNeeded", "orientation bits", t.accumulator != nullptr && t.n > 0,
+                "InitFeatureTables to have succeeded first");
   if (t.accumulator == nullptr || t.n <= 0) frame::platform::RaiseIntegerDivideFault();
   for (int k = 0; k < objectCount; ++k) {
     if (EscapePressed()) return false;

@@ -38,7 +38,8 @@ int Fill(T *buffer, int width, int height, int seedX, int seedY, int left, int t
   const T target = buffer[static_cast<std::ptrdiff_t>(seedY) * width + seedX];
   if (changedCount != nullptr) *changedCount = 1;
   // Filling a region with its own value would change nothing.
-  OSTREL_EXPECT(__func__, fillValue != target);
+  OSTREL_EXPECT(__func__, "fillValue", fillValue, fillValue != target,
+                "a value other than the seed pixel's");
   if (fillValue == target) return 0;
 
   objects::FillEngine<T> engine;

@@ -36,7 +36,8 @@ std::uint32_t RunningProduct(std::uint64_t first, std::uint64_t last) {
 // The repeat index of GetRapport and SetInRappAndCalcRapp.
 std::int32_t RepeatIndex(const char *function, double position, double repeatSize, double epsilon) {
   const std::int32_t wholeRepeatSize = frame::TruncToInt32(repeatSize);
-  OSTREL_EXPECT(function, wholeRepeatSize != 0);
+  OSTREL_EXPECT(function, "repeatSize", repeatSize, wholeRepeatSize != 0,
+                "a whole part that is not 0");
   if (position >= 0) return Quot(frame::TruncToInt32(position), wholeRepeatSize);
   // Negative (and NaN) positions.
   const std::int32_t k = epsilon < 1 ? frame::TruncToInt32(-position - epsilon)
@@ -59,13 +60,13 @@ namespace frame = ostrel::frame;
 namespace repeat = ostrel::repeat;
 
 int ggT(int a, int b) {
-  OSTREL_EXPECT(__func__, b != 0);
+  OSTREL_EXPECT(__func__, "b", b, b != 0, "not 0");
   return repeat::Euclid(a, b);
 }
 
 // The product wraps before the division.
 int kgV(int a, int b) {
-  OSTREL_EXPECT(__func__, b != 0);
+  OSTREL_EXPECT(__func__, "b", b, b != 0, "not 0");
   const std::int32_t divisor = repeat::Euclid(a, b);
   return repeat::Quot(repeat::Mul(a, b), divisor);
 }
@@ -85,7 +86,12 @@ unsigned int NUeberK(unsigned int n, unsigned int k) {
     product = repeat::RunningProduct(std::uint64_t{k} + 1, n);
     divisor = repeat::RunningProduct(2, d);  // d!
   }
-  OSTREL_EXPECT(__func__, divisor != 0);
+  // The factorial of min(k, n - k) wraps to 0 from 34 on (34! holds 2^32).
+  if (d > k) {
+    OSTREL_EXPECT(__func__, "k", k, divisor != 0, "below 34 when k < n - k");
+  } else {
+    OSTREL_EXPECT(__func__, "n", n, divisor != 0, "below k + 34 when n - k <= k");
+  }
   return product / repeat::Divisor(divisor);
 }
 
@@ -161,7 +167,7 @@ void CalcParts2(int period, int position, int length, int *partCount, int *parts
     parts[0] = length;  // written although the count says none
     return;
   }
-  OSTREL_EXPECT(__func__, period > 0);
+  OSTREL_EXPECT(__func__, "period", period, period > 0, "not negative");
   const std::int32_t m = repeat::FloorMod(position, period);
   if (repeat::Add(m, length) <= period) {
     *partCount = 1;

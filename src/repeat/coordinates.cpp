@@ -4,6 +4,7 @@
 // that meets a double (repeatX * viewRepeatWidth) is formed in 32 bits first
 // and then converted. Sums of doubles are evaluated left to right, in the documented
 // order.
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -54,8 +55,8 @@ void ViewToFile(const char *function, std::int32_t vx, std::int32_t vy, std::int
     *fy = 0;
     return;
   }
-  OSTREL_EXPECT(function, viewRepeatWidth != 0);
-  OSTREL_EXPECT(function, viewRepeatHeight != 0);
+  OSTREL_EXPECT(function, "viewRepeatWidth", viewRepeatWidth, viewRepeatWidth != 0, "not 0");
+  OSTREL_EXPECT(function, "viewRepeatHeight", viewRepeatHeight, viewRepeatHeight != 0, "not 0");
   const std::int32_t ix = frame::TruncToInt32(FloorMod(vx, viewRepeatWidth) / zoomX);
   const std::int32_t iy = frame::TruncToInt32(FloorMod(vy, viewRepeatHeight) / zoomY);
   const std::int32_t width = Signed(repeatWidth), height = Signed(repeatHeight);
@@ -63,11 +64,11 @@ void ViewToFile(const char *function, std::int32_t vx, std::int32_t vy, std::int
     *fx = Add(ix, Mul(repeatX, width));
     *fy = Add(iy, Mul(repeatY, height));
   } else if (dropKind == kDropVertical) {
-    OSTREL_EXPECT(function, repeatHeight != 0);
+    OSTREL_EXPECT(function, "repeatHeight", repeatHeight, repeatHeight != 0, "not 0");
     *fx = ix;
     *fy = Signed(FloorMod(Sub(Add(Mul(repeatY, height), iy), verticalTerm(repeatX)), repeatHeight));
   } else {
-    OSTREL_EXPECT(function, repeatWidth != 0);
+    OSTREL_EXPECT(function, "repeatWidth", repeatWidth, repeatWidth != 0, "not 0");
     *fx = Signed(FloorMod(Sub(Add(Mul(repeatX, width), ix), horizontalTerm(repeatY)), repeatWidth));
     *fy = iy;
   }
@@ -119,24 +120,43 @@ class ScreenMapping {
 void FileToScreen(const char *function, const ScreenMapping &map, std::int32_t fx, std::int32_t fy,
                   std::uint32_t repeatWidth, std::uint32_t repeatHeight, double zoomX, double zoomY,
                   std::int32_t *sx, std::int32_t *sy) {
-  OSTREL_EXPECT(function, repeatWidth != 0);
-  OSTREL_EXPECT(function, repeatHeight != 0);
+  OSTREL_EXPECT(function, "repeatWidth", repeatWidth, repeatWidth != 0, "not 0");
+  OSTREL_EXPECT(function, "repeatHeight", repeatHeight, repeatHeight != 0, "not 0");
   const std::int32_t repeatX = FloorDiv(fx, repeatWidth);
   const std::int32_t repeatY = FloorDiv(fy, repeatHeight);
   *sx = map.X(Mul(repeatX, map.viewRepeatWidth) + FloorMod(fx, repeatWidth) * zoomX);
   *sy = map.Y(Mul(repeatY, map.viewRepeatHeight) + FloorMod(fy, repeatHeight) * zoomY);
 }
 
-// repeatCount(v, p) of MMToSnappedSP: a floor division counted by steps of p.
+// repeatCount(v, p) of MMToSnappedSP: a floor division counted by steps of
+// p, in a 32-bit counter. Below 2^53 in magnitude every step is exact (v and
+// the whole number p are multiples of v's last place, and the sum shrinks),
+// so the sum after k steps is v + k * p exactly: the count skips straight to
+// a few steps short of the end and steps the rest, with the stepped result.
+// From 2^53 on a step may round (or change nothing), so the count is the
+// quotient rounded in double precision; a non-finite v counts 0 repeats.
 std::int32_t RepeatCount(double v, double p) {
-  if (p == 0) return 0;
-  std::uint32_t steps = 0;
+  if (p == 0 || !std::isfinite(v)) return 0;
+  constexpr double kExactLimit = 9007199254740992.0;  // 2^53
+  constexpr double kCounterRange = 4294967296.0;      // 2^32
+  const double magnitude = std::fabs(v);
+  const auto wrap = [&](double count) {  // a whole count, modulo 2^32
+    return static_cast<std::uint32_t>(std::fmod(count, kCounterRange));
+  };
+  if (magnitude >= kExactLimit) {
+    const std::uint32_t steps = wrap(v < 0 ? std::ceil(magnitude / p) : std::floor(v / p));
+    return v < 0 ? Signed(0u - steps) : Signed(steps);
+  }
+  // Whole steps certainly within the count: the quotient is off by less than
+  // 1 here, so two fewer cannot pass the end.
+  const double skip = std::max(0.0, std::floor(magnitude / p) - 2);
+  std::uint32_t steps = wrap(skip);
   if (v < 0) {
-    for (double sum = v; sum < 0; sum += p) ++steps;
+    for (double sum = v + skip * p; sum < 0; sum += p) ++steps;
     return Signed(0u - steps);
   }
   if (v > 0) {
-    double rest = v;
+    double rest = v - skip * p;
     for (; rest > 0; rest -= p) ++steps;
     return Signed(rest < 0 ? steps - 1 : steps);
   }
@@ -196,21 +216,21 @@ void FPToVP(int fx, int fy, int *vx, int *vy, unsigned int repeatWidth, unsigned
     *vy = 0;
     return;
   }
-  OSTREL_EXPECT(__func__, repeatWidth != 0);
-  OSTREL_EXPECT(__func__, repeatHeight != 0);
+  OSTREL_EXPECT(__func__, "repeatWidth", repeatWidth, repeatWidth != 0, "not 0");
+  OSTREL_EXPECT(__func__, "repeatHeight", repeatHeight, repeatHeight != 0, "not 0");
   const double insideX = repeat::FloorMod(fx, repeatWidth);  // fx mod repeatWidth
   const double insideY = repeat::FloorMod(fy, repeatHeight);
   if (!foldIntoRepeat) {
     *vx = frame::TruncToInt32(zoomX * insideX + repeat::Mul(repeatX, viewRepeatWidth));
     *vy = frame::TruncToInt32(zoomY * insideY + repeat::Mul(repeatY, viewRepeatHeight));
   } else if (dropKind == repeat::kDropVertical) {
-    OSTREL_EXPECT(__func__, viewRepeatHeight != 0);
+    OSTREL_EXPECT(__func__, "viewRepeatHeight", viewRepeatHeight, viewRepeatHeight != 0, "not 0");
     *vx = frame::TruncToInt32(zoomX * insideX);
     *vy = repeat::FloorMod(frame::TruncToInt32(repeat::Mul(repeatY, viewRepeatHeight) +
                                                insideY * zoomY - zoomY * drop * repeatX),
                            viewRepeatHeight);
   } else {
-    OSTREL_EXPECT(__func__, viewRepeatWidth != 0);
+    OSTREL_EXPECT(__func__, "viewRepeatWidth", viewRepeatWidth, viewRepeatWidth != 0, "not 0");
     *vx = repeat::FloorMod(frame::TruncToInt32(repeat::Mul(repeatX, viewRepeatWidth) +
                                                insideX * zoomX - zoomX * drop * repeatY),
                            viewRepeatWidth);

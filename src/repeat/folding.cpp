@@ -89,7 +89,8 @@ void Fold(const char *function, typename Arithmetic::Value &x, typename Arithmet
   constexpr bool kChecked = Arithmetic::kIntegerDivision;
   if (dropKind == kDropVertical) {
     if (a.Negative(x)) {
-      if constexpr (kChecked) OSTREL_EXPECT(function, repeatWidth != 0);
+      if constexpr (kChecked)
+        OSTREL_EXPECT(function, "repeatWidth", repeatWidth, repeatWidth != 0, "not 0");
       // One column too many for a multiple of the width; the next step takes
       // it back.
       const Value k = a.RepeatsUp(x, repeatWidth);
@@ -97,38 +98,45 @@ void Fold(const char *function, typename Arithmetic::Value &x, typename Arithmet
       y += a.Drop(k);
     }
     if (a.Positive(x)) {
-      if constexpr (kChecked) OSTREL_EXPECT(function, repeatWidth != 0);
+      if constexpr (kChecked)
+        OSTREL_EXPECT(function, "repeatWidth", repeatWidth, repeatWidth != 0, "not 0");
       const Value q = a.RepeatsIn(x, repeatWidth);
       x -= a.Times(q, repeatWidth);
       y -= a.Drop(q);
     }
     if (a.Negative(y)) {
-      if constexpr (kChecked) OSTREL_EXPECT(function, repeatHeight != 0);
+      if constexpr (kChecked)
+        OSTREL_EXPECT(function, "repeatHeight", repeatHeight, repeatHeight != 0, "not 0");
       y += a.Times(a.RepeatsUp(y, repeatHeight), repeatHeight);
     }
     if (a.Positive(y)) {
-      if constexpr (kChecked) OSTREL_EXPECT(function, repeatHeight != 0);
+      if constexpr (kChecked)
+        OSTREL_EXPECT(function, "repeatHeight", repeatHeight, repeatHeight != 0, "not 0");
       y -= a.Times(a.RepeatsIn(y, repeatHeight), repeatHeight);
     }
   } else if (dropKind == kDropHorizontal) {
     if (a.Negative(x)) {
-      if constexpr (kChecked) OSTREL_EXPECT(function, repeatHeight != 0);
+      if constexpr (kChecked)
+        OSTREL_EXPECT(function, "repeatHeight", repeatHeight, repeatHeight != 0, "not 0");
       const Value k = a.RepeatsUp(y, repeatHeight);
       x += a.Drop(k);
       y += a.Times(k, repeatHeight);
     }
     if (a.Positive(x)) {
-      if constexpr (kChecked) OSTREL_EXPECT(function, repeatHeight != 0);
+      if constexpr (kChecked)
+        OSTREL_EXPECT(function, "repeatHeight", repeatHeight, repeatHeight != 0, "not 0");
       const Value q = a.RepeatsIn(y, repeatHeight);
       x -= a.Drop(q);
       y -= a.Times(q, repeatHeight);
     }
     if (a.Negative(x)) {
-      if constexpr (kChecked) OSTREL_EXPECT(function, repeatWidth != 0);
+      if constexpr (kChecked)
+        OSTREL_EXPECT(function, "repeatWidth", repeatWidth, repeatWidth != 0, "not 0");
       x += a.Times(a.RepeatsUp(x, repeatWidth), repeatWidth);
     }
     if (a.Positive(y)) {
-      if constexpr (kChecked) OSTREL_EXPECT(function, repeatWidth != 0);
+      if constexpr (kChecked)
+        OSTREL_EXPECT(function, "repeatWidth", repeatWidth, repeatWidth != 0, "not 0");
       y -= a.Times(a.RepeatsIn(x, repeatWidth), repeatWidth);
     }
   }
