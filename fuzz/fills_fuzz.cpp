@@ -42,16 +42,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   Input in(data, size);
   const int m = in.In(0, kMemberCount - 1);
   const u32 sw = in.In<u32>(0, 70), sh = in.In<u32>(0, 9);
-  const u32 sl = in.In<u32>(0, sw), st = in.In<u32>(0, sh);
+  const u32 sl = in.Corner(sw), st = in.Corner(sh);
   const u32 dw = in.In<u32>(0, 70), dh = in.In<u32>(0, 9);
-  const u32 dl = in.In<u32>(0, dw), dt = in.In<u32>(0, dh);
-  // The fills clip rows only: their columns must fit the buffer.
+  // The fills clip rows only; their left column lies in the buffer.
   const bool fill = m == kFill || m == kChessboard;
-  const u32 rw = fill ? in.In<u32>(0, dw - dl) : in.Size(sw - sl);
-  const u32 rh = in.Size(fill ? dh - dt : sh - st);
-  if (RegionWraps(sl, rw) || RegionWraps(dl, rw) || RegionWraps(st, rh) || RegionWraps(dt, rh)) {
-    return 0;
-  }
+  const u32 dl = fill ? in.In<u32>(0, dw) : in.Corner(dw), dt = in.Corner(dh);
+  const u32 rw = in.Size(fill ? dw - dl : sw - sl), rh = in.Size(fill ? dh - dt : sh - st);
   const u32 colour1 = in.U32(), colour2 = in.U32();
   const i32 phaseX = in.Coord(80), phaseY = in.Coord(20);
   const u32 squareSize = in.Bool() ? in.In<u32>(1, 40) : std::max<u32>(1, in.Size(0));
@@ -66,8 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   // The BGR members: the first buffer is the coverage picture (not empty),
   // the second the picture blended, both with padded rows.
   const u32 pixelBytes = m == kBgr24 ? 3 : 4;
-  const bool bgr = m == kBgr24 || m == kBgr32;
-  if (bgr && (sw == 0 || sh == 0)) return 0;
+  const bool bgr = m == kBgr24 || m == kBgr32, empty = sw == 0 || sh == 0;
   Buffer<u32> src(m == kPack24 ? count : bgr ? 0 : std::size_t{sw} * sh);
   Buffer<u32> dst(fill || m == kCopy || m == kCopyIfNotKey ? std::size_t{dw} * dh : 0);
   Buffer<u8> bytes(m == kPack24 ? 3 * std::size_t{count} : bgr ? RowBytes(dw, pixelBytes) * dh : 0);
@@ -107,6 +102,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     }
     return 0;
   }
+  if (bgr && empty) {
+    FUZZ_CHECK(bytes.Copy() == bytesBefore, "an empty coverage picture changed the picture");
+    return 0;
+  }
   if (bgr) {
     for (u32 y = 0; y < dh; ++y) {
       const std::int64_t ay = Sample(y, scaleY, sh);
@@ -137,31 +136,35 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     return 0;
   }
 
-  // Fills and copies: the clipped region gets its pixels, nothing else changes.
+  // Fills and copies: the region's pixels written row after row, left to
+  // right; a fill row wider than the room right of left runs on into the
+  // next rows, up to the buffer's last pixel.
+  const std::size_t pixels = dst.Size();
   const u32 cols = fill ? rw : Span(dw, dl, Span(sw, sl, rw));
   const u32 rows = Span(dh, dt, fill ? rh : Span(sh, st, rh));
-  for (u32 y = 0; y < dh; ++y) {
-    for (u32 x = 0; x < dw; ++x) {
-      const std::size_t i = std::size_t{y} * dw + x;
-      u32 want = dstBefore[i];
-      const bool inside = x >= dl && x < dl + cols && y >= dt && y < dt + rows;
-      if (inside) {
-        const u32 from = m == kFill || m == kChessboard
-                             ? 0
-                             : srcBefore[std::size_t{st + y - dt} * sw + sl + x - dl];
-        if (m == kFill) want = colour1;
-        if (m == kCopy || (m == kCopyIfNotKey && from != key)) want = from;
-        if (m == kChessboard) {
-          // The board position of the pixel, where the int sums do not wrap.
-          const std::int64_t bx = std::int64_t{phaseX} + x, by = std::int64_t{phaseY} + y - dt;
-          if (bx > INT_MAX || by > INT_MAX) continue;
-          const bool odd = (FloorDiv(bx, squareSize) + FloorDiv(by, squareSize)) & 1;
-          want = odd ? colour2 : colour1;
-        }
+  // The board position X = phaseX + left + i, Y = phaseY + j, where the
+  // int sums do not wrap.
+  const bool board = std::int64_t{phaseX} + dl + std::min<std::size_t>(cols, pixels) <= INT_MAX &&
+                     std::int64_t{phaseY} + rows <= INT_MAX;
+  std::vector<u32> want = dstBefore;
+  std::vector<bool> known(pixels, true);
+  for (u32 j = 0; j < rows; ++j) {
+    for (std::size_t i = 0; i < cols; ++i) {
+      const std::size_t p = std::size_t{dt + j} * dw + dl + i;
+      if (p >= pixels) break;
+      const u32 from = fill ? 0 : srcBefore[std::size_t{st + j} * sw + sl + i];
+      if (m == kFill) want[p] = colour1;
+      if (m == kCopy || (m == kCopyIfNotKey && from != key)) want[p] = from;
+      if (m == kChessboard) {
+        const std::int64_t x = std::int64_t{phaseX} + dl + i, y = std::int64_t{phaseY} + j;
+        want[p] = (FloorDiv(x, squareSize) + FloorDiv(y, squareSize)) & 1 ? colour2 : colour1;
+        known[p] = board;
       }
-      FUZZ_CHECK(dst[i] == want, "pixel (%u, %u) is %08x, want %08x (%s the region)", x, y, dst[i],
-                 want, inside ? "inside" : "outside");
     }
+  }
+  for (std::size_t p = 0; p < pixels; ++p) {
+    FUZZ_CHECK(!known[p] || dst[p] == want[p], "pixel (%zu, %zu) is %08x, want %08x", p % dw,
+               p / dw, dst[p], want[p]);
   }
   return 0;
 }

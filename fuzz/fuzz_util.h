@@ -74,6 +74,10 @@ class Input {
     return values[In<std::size_t>(0, N - 1)];
   }
 
+  // A region corner: mostly inside the buffer (0 .. extent), now and then
+  // beyond it, where the region is empty.
+  u32 Corner(u32 extent) { return In<u32>(0, extent + 2); }
+
   // A region size: mostly small or the exact room up to the edge, else a
   // value where left + size wraps, else anything.
   u32 Size(u32 room) {
@@ -192,10 +196,6 @@ struct Bytes {
 inline u32 Span(u32 end, u32 start, u32 size) {
   return start >= end ? 0 : static_cast<u32>(std::min<std::uint64_t>(end - start, size));
 }
-
-// TEMPORARY: a corner plus a region size past 2^32 wraps in the clipping
-// (being fixed in the library); such inputs are left out until then.
-inline bool RegionWraps(u32 start, u32 size) { return std::uint64_t{start} + size > 0xFFFFFFFFu; }
 
 // Runs call under each instruction set the processor offers, the scalar
 // kernels first, each time from the same starting contents of buffers, and

@@ -5,7 +5,8 @@
 // mode flags. Each call runs under every instruction set and must leave the
 // same bytes as the scalar kernels; sources are never written, and the
 // destination only inside the clipped region (for the 12-bit two-level
-// blends, also the word right of each row, as documented).
+// blends, also the word right of each row, as documented). Corners beyond
+// their buffer and region sizes past 2^32 are fuzzed too.
 #include <cstdint>
 
 #include "Ostrel.h"
@@ -74,14 +75,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   const Member &member = kMembers[m];
   const bool inPlace = member.clip == kMotion && in.Bool();  // a region moved inside one buffer
   u32 sw = in.In<u32>(0, 70), sh = in.In<u32>(0, 9);
-  u32 sl = in.In<u32>(0, sw), st = in.In<u32>(0, sh);
+  u32 sl = in.Corner(sw), st = in.Corner(sh);
   u32 dw = inPlace ? sw : in.In<u32>(0, 70), dh = inPlace ? sh : in.In<u32>(0, 9);
-  u32 dl = in.In<u32>(0, dw), dt = in.In<u32>(0, dh);
+  u32 dl = in.Corner(dw), dt = in.Corner(dh);
   const bool dstOnly = member.clip == kDstOnly || member.clip == kRun;
   const u32 rw = in.Size(dstOnly ? dw - dl : sw - sl), rh = in.Size(dstOnly ? dh - dt : sh - st);
-  if (RegionWraps(sl, rw) || RegionWraps(dl, rw) || RegionWraps(st, rh) || RegionWraps(dt, rh)) {
-    return 0;
-  }
   const u32 count = in.In<u32>(0, 300);  // PostApplyAlpha's run
 
   u32 cols = Span(dw, dl, dstOnly ? rw : Span(sw, sl, rw));
@@ -103,10 +101,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
       twoLevel, withAlpha, exact, flag, density, mode, inPlace);
 
   // The shared-geometry 12-bit blends with twoLevel and blendZero also write
-  // the word right of each row's region, which the caller leaves room for.
+  // the word right of each row's region (but never past the buffer).
   const bool nextWord = (m == 3 || m == 5) && twoLevel && blendZero != 0;
-  const std::size_t srcPixels = std::size_t{sw} * sh, dstPixels = std::size_t{dw} * dh;
-  const std::size_t dstSize = member.clip == kRun ? count : dstPixels + (nextWord ? 1 : 0);
+  const std::size_t srcPixels = std::size_t{sw} * sh;
+  const std::size_t dstSize = member.clip == kRun ? count : std::size_t{dw} * dh;
   Buffer<u8> grey(member.src == kL08 ? srcPixels : 0), bytes(member.words ? 0 : dstSize);
   Buffer<u16> words(member.src == kL12 ? srcPixels : 0), wordDst(member.words ? dstSize : 0);
   Buffer<u32> trc(member.src == kTrc ? srcPixels : 0);
@@ -177,9 +175,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   }
   if (member.clip == kRun) return 0;
   // The elements the call may write: each row's clipped columns, and for
-  // nextWord the element after them (the next row's first, or the room
-  // after the buffer).
-  std::vector<bool> writable(dstSize, false);
+  // nextWord the element after them (the next row's first at the right
+  // edge; none after the buffer's last).
+  std::vector<bool> writable(dstSize + 1, false);
   for (u32 y = dt; y < dt + rows; ++y) {
     for (u32 x = dl; x < dl + cols + (nextWord ? 1 : 0); ++x) {
       writable[std::size_t{y} * dw + x] = true;
