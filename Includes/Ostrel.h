@@ -658,8 +658,8 @@ OSTREL_API double GetNiceSmallerValue(double v);
 // gets the ys of the point nearest to it (the first of equally near ones):
 // the table is not extrapolated.
 //
-// count must be at least 2. With fewer, the first segment is used as it is
-// (xs[1] and ys[1] are read); the checked build reports the call.
+// count must be at least 2. With fewer, nothing past the table is read: one
+// point gives ys[0] and none gives 0. The checked build reports the call.
 OSTREL_API double GetLinearInterpoliertenWert(const double *xs, const double *ys,
                                               unsigned int count, double x);
 

@@ -16,13 +16,16 @@ using namespace ostrel_examples;
 
 namespace {
 
+static_assert(kMaxPictureSide == 16384, "the usage text names the size limit");
 const char kUsage[] =
     "usage: ostrel-objects [options]\n"
-    "  --mask FILE     8-bit grey PNG; non-zero pixels are objects\n"
+    "  --mask FILE     grey PNG without alpha, 1 to 8 bits a pixel, at most 16384\n"
+    "                  pixels a side; non-zero pixels are objects\n"
     "                  (default: a built-in mask of a few shapes)\n"
     "  --frame N       width of the soft frame round the objects, 1..32 (default 6)\n"
     "  --output FILE   picture to write (default out/objects.png)\n"
-    "  --csv FILE      features to write (default out/objects.csv)\n";
+    "  --csv FILE      features to write (default out/objects.csv)\n"
+    "Missing output folders are created. Both files are written, or neither.\n";
 
 int Fail(const std::string &message) {
   std::fprintf(stderr, "ostrel-objects: %s\n", message.c_str());
@@ -75,17 +78,11 @@ int main(int argc, char **argv) {
     }
   }
 
+  std::string error = CheckOutputPaths({output, csvPath});
+  if (!error.empty()) return Fail(error);
   Picture mask;
-  std::string error;
-  if (maskPath.empty()) {
-    mask = SyntheticMask();
-  } else {
-    if (!ReadPicture(maskPath, &mask, &error)) return Fail(error);
-    if (!mask.grey)
-      return Fail(maskPath + ": unsupported PNG kind (colour); the mask must be 8-bit grey");
-  }
-  if (mask.width > 16384 || mask.height > 16384)
-    return Fail("the mask is larger than 16384 pixels");
+  if (maskPath.empty()) mask = SyntheticMask();
+  else if (!ReadPicture(maskPath, PictureKinds::kGrey, &mask, &error)) return Fail(error);
 
   const auto start = std::chrono::steady_clock::now();
   // The mask is worked on inside a background border wide enough for the
@@ -165,7 +162,9 @@ int main(int argc, char **argv) {
                   f.perimeter, f.roundness);
     csv += line;
   }
-  if (!WriteTrcPng(output, picture, w, h, &error) || !WriteTextFile(csvPath, csv, &error))
+  OutputFiles outputs;
+  if (!outputs.AddTrcPng(output, picture, w, h, &error) || !outputs.AddText(csvPath, csv, &error) ||
+      !outputs.Commit(&error))
     return Fail(error);
   std::printf("objects: %ux%u mask, %d objects found, %.1f ms -> %s, %s\n", w, h, count, ms,
               output.c_str(), csvPath.c_str());

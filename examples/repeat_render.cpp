@@ -31,7 +31,7 @@ class BandRenderer {
         v_(view),
         out_(out),
         kind_(EffectiveDropKind(view)),
-        drop_(EffectiveDrop(design, view)),
+        drop_(EffectiveDrop(view)),
         viewRepeatW_(static_cast<int>(design.width * view.zoom)),
         viewRepeatH_(static_cast<int>(design.height * view.zoom)),
         dropRatio_(static_cast<double>(drop_) /
@@ -212,9 +212,8 @@ _EDropKind EffectiveDropKind(const ViewSettings &view) {
   return view.dropKind == eDropHorizontal ? eDropHorizontal : eDropVertical;
 }
 
-unsigned int EffectiveDrop(const Design &design, const ViewSettings &view) {
-  if (view.dropKind == eDropNone) return 0;
-  return view.drop % (view.dropKind == eDropHorizontal ? design.width : design.height);
+unsigned int EffectiveDrop(const ViewSettings &view) {
+  return view.dropKind == eDropNone ? 0 : view.drop;
 }
 
 std::string CheckView(const Design &design, const ViewSettings &view) {
@@ -229,6 +228,14 @@ std::string CheckView(const Design &design, const ViewSettings &view) {
       std::abs(static_cast<long long>(view.scrollY)) > 1000000)
     return "the scroll offset is beyond +-1000000 pixels";
   if (view.backdropSquare == 0) return "the backdrop square size must be positive";
+  if (view.dropKind != eDropNone) {
+    const bool vertical = view.dropKind == eDropVertical;
+    const unsigned int side = vertical ? design.height : design.width;
+    if (view.drop >= side)
+      return "bad drop " + std::to_string(view.drop) + ": a " +
+             (vertical ? "vertical drop must be 0 to " : "horizontal drop must be 0 to ") +
+             std::to_string(side - 1) + ", below the tile's " + (vertical ? "height" : "width");
+  }
   for (const Layer &layer : design.layers) {
     const std::size_t n = static_cast<std::size_t>(design.width) * design.height;
     if ((layer.grey ? layer.l08.size() : layer.trc.size()) != n)

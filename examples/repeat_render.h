@@ -47,13 +47,14 @@ struct ViewSettings {
 Design SyntheticDesign();
 
 // Checks the settings against the design; returns an empty string or a
-// message saying what is wrong.
+// message saying what is wrong. A drop must lie below the tile's height
+// (vertical) or width (horizontal); eDropNone ignores it.
 std::string CheckView(const Design &design, const ViewSettings &view);
 
-// The drop kind actually used (a straight repeat for eDropNone) and the drop
-// reduced into the tile.
+// The drop kind actually used (a straight repeat for eDropNone) and its drop
+// (0 for eDropNone).
 _EDropKind EffectiveDropKind(const ViewSettings &view);
-unsigned int EffectiveDrop(const Design &design, const ViewSettings &view);
+unsigned int EffectiveDrop(const ViewSettings &view);
 
 // Draws the view (width x height TRC pixels) of a checked design and view.
 std::vector<unsigned int> RenderView(const Design &design, const ViewSettings &view);

@@ -11,18 +11,24 @@ using namespace ostrel_examples;
 
 namespace {
 
+static_assert(kMaxPictureSide == 16384, "the usage text names the size limit");
 const char kUsage[] =
     "usage: ostrel-repeat-view [options]\n"
-    "  --design FILE       design tile: PNG, 8-bit grey or colour with alpha\n"
+    "  --design FILE       design tile PNG, at most 16384 pixels a side: grey without\n"
+    "                      alpha (1 to 8 bits a pixel) or colour with alpha (8 bits a\n"
+    "                      channel, or a palette with transparency)\n"
     "                      (default: a built-in design of three layers)\n"
     "  --drop-kind KIND    none, vertical or horizontal (default vertical)\n"
-    "  --drop N            drop in file pixels (default 45)\n"
+    "  --drop N            drop in file pixels, below the tile's height (vertical)\n"
+    "                      or width (horizontal); default half of it; none\n"
+    "                      ignores it\n"
     "  --zoom Z            view pixels per file pixel (default 2)\n"
     "  --scroll X,Y        view position of the top-left pixel (default 0,0)\n"
     "  --size WxH          view size in pixels (default 640x400)\n"
     "  --exact             exact blend arithmetic instead of the fast form\n"
     "  --bands N           row bands drawn in parallel (default: one per processor)\n"
-    "  --output FILE       PNG to write (default out/repeat-view.png)\n";
+    "  --output FILE       PNG to write (default out/repeat-view.png; missing\n"
+    "                      folders are created)\n";
 
 int Fail(const std::string &message) {
   std::fprintf(stderr, "ostrel-repeat-view: %s\n", message.c_str());
@@ -33,11 +39,11 @@ int Fail(const std::string &message) {
 
 int main(int argc, char **argv) {
   ViewSettings view;
-  view.drop = 45;
   view.zoom = 2.0;
   view.width = 640;
   view.height = 400;
   std::string designPath, output = "out/repeat-view.png";
+  bool dropGiven = false;
   for (int i = 1; i < argc; ++i) {
     const std::string arg = argv[i];
     if (arg == "--help" || arg == "-h") {
@@ -61,9 +67,11 @@ int main(int argc, char **argv) {
       else if (value == "horizontal") view.dropKind = eDropHorizontal;
       else return Fail("unknown drop kind '" + value + "' (none, vertical, horizontal)");
     } else if (arg == "--drop") {
-      if (!ParseInt(value, &a) || a < 0 || a > 1000000)
+      // The tile sets the upper bound, which CheckView applies.
+      if (!ParseInt(value, &a) || a < 0 || a > 2147483647)
         return Fail("bad drop '" + value + "': a whole number of pixels, 0 or more");
       view.drop = static_cast<unsigned int>(a);
+      dropGiven = true;
     } else if (arg == "--zoom") {
       if (!ParseDouble(value, &view.zoom) || view.zoom <= 0)
         return Fail("bad zoom '" + value + "': a number above 0");
@@ -88,13 +96,15 @@ int main(int argc, char **argv) {
     }
   }
 
+  std::string error = CheckOutputPaths({output});
+  if (!error.empty()) return Fail(error);
   Design design;
-  std::string error;
   if (designPath.empty()) {
     design = SyntheticDesign();
   } else {
     Picture tile;
-    if (!ReadPicture(designPath, &tile, &error)) return Fail(error);
+    if (!ReadPicture(designPath, PictureKinds::kGreyOrColourWithAlpha, &tile, &error))
+      return Fail(error);
     design.width = tile.width;
     design.height = tile.height;
     Layer layer;
@@ -104,6 +114,7 @@ int main(int argc, char **argv) {
     layer.colour = 0xFF2B4C9Bu;
     design.layers.push_back(std::move(layer));
   }
+  if (!dropGiven) view.drop = (view.dropKind == eDropHorizontal ? design.width : design.height) / 2;
   error = CheckView(design, view);
   if (!error.empty()) return Fail(error);
 
@@ -115,7 +126,7 @@ int main(int argc, char **argv) {
   static const char *const kinds[] = {"no drop (straight)", "vertical drop", "horizontal drop"};
   std::printf("repeat view %ux%u of a %ux%u tile, %s %u, zoom %g, scroll %d,%d: %.1f ms -> %s\n",
               view.width, view.height, design.width, design.height,
-              kinds[static_cast<int>(view.dropKind)], EffectiveDrop(design, view), view.zoom,
-              view.scrollX, view.scrollY, ms, output.c_str());
+              kinds[static_cast<int>(view.dropKind)], EffectiveDrop(view), view.zoom, view.scrollX,
+              view.scrollY, ms, output.c_str());
   return 0;
 }

@@ -1,6 +1,8 @@
 // Nice axis values and piecewise-linear tables. Pinned last bits were evaluated separately.
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "Ostrel.h"
 
 TEST(GeometryNiceValues, OneStepAboveAndBelowAcrossTheDecades) {
@@ -55,4 +57,8 @@ TEST(GeometryLinearInterpolation, SegmentsAndNearestPoint) {
     EXPECT_EQ(GetLinearInterpoliertenWert(c.xs, c.ys, c.count, c.x), c.want)
         << c.xs[0] << ".." << c.x;
   }
+  // Tables too short for a segment are read no further than they reach.
+  const std::vector<double> one{4.0}, value{9.0};
+  EXPECT_EQ(GetLinearInterpoliertenWert(one.data(), value.data(), 1, 30.0), 9.0);
+  EXPECT_EQ(GetLinearInterpoliertenWert(nullptr, nullptr, 0, 30.0), 0.0);
 }

@@ -94,6 +94,13 @@ const Case kCases[] = {
 };
 
 TEST(Region, SizesPastTwoTo32ReachTheEdgeAndCornersBeyondChangeNothing) {
+  // A one-row call whose width sum wraps to 0 once read far past both buffers.
+  std::vector<u32> src{1, 0xFF102030, 0x80405060, 0xFFFFFFFF}, dst(4, 0x11223344), edge = dst;
+  AlphaBlendTRCToTRC(src.data(), 4, 1, 1, 0, dst.data(), 4, 1, 1, 0, 255, kHuge, 1, true);
+  AlphaBlendTRCToTRC(src.data(), 4, 1, 1, 0, edge.data(), 4, 1, 1, 0, 255, 3, 1, true);
+  EXPECT_EQ(dst, edge);
+  EXPECT_NE(dst, std::vector<u32>(4, 0x11223344));
+
   for (const Case &c : kCases) {
     SCOPED_TRACE(c.name);
     for (u32 x : {0u, 1u, kW}) {

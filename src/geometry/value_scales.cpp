@@ -67,11 +67,12 @@ double GetNiceSmallerValue(double v) { return geometry::Nice(v, -1); }
 double GetLinearInterpoliertenWert(const double *xs, const double *ys, unsigned int count,
                                    double x) {
   OSTREL_EXPECT(__func__, "count", count, count >= 2, "at least 2");
-  // The first segment that holds x, in either direction. With fewer than two
-  // points the first segment is taken as it is.
+  // Too short a table to hold a segment: its one value, or 0 for none.
+  if (count < 2) return count == 0 ? 0.0 : ys[0];
+  // The first segment that holds x, in either direction.
   unsigned int i = 0;
   while (i + 1 < count && !(xs[i] <= x && x <= xs[i + 1]) && !(xs[i + 1] <= x && x <= xs[i])) ++i;
-  if (count < 2 || i + 1 < count) {
+  if (i + 1 < count) {
     const double dx = xs[i + 1] - xs[i];
     if (std::fabs(dx) < FLT_EPSILON) return ys[i];
     const double slope = (ys[i + 1] - ys[i]) / dx;
