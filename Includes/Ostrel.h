@@ -1588,13 +1588,24 @@ struct SFeature {
 };
 
 // Builds the module-wide angle tables that the orientation needs, for
-// angleSteps bins per full turn (N = angleSteps rounded half up). marker must
-// not be 0. Returns 0, or -1 when the tables exist already (they are kept)
-// or cannot be allocated (then the tables stay empty, and further calls
-// return -1 until ReleaseFeatureTables). Not thread-safe: initialisation,
-// release and extractions that measure the orientation must not overlap.
-// Measuring the orientation without tables is a caller error that stops the
-// process as an integer division by zero does (the checked build reports it).
+// angleSteps bins per full turn (N = angleSteps rounded half up, E = N / 8
+// bins per 45 degrees). angleSteps must lie in 7.5 .. 36000, both included:
+// from N = 8, the least that gives E >= 1, up to a hundredth of a degree per
+// bin (the orientation's window search costs about N * N / 5 additions per
+// object). marker must not be 0.
+//
+// Returns 0, or -1
+//   - when marker is 0, or angleSteps lies outside 7.5 .. 36000 or is not a
+//     number (infinities too): nothing changes, tables built before are
+//     kept, and without them a later call with good arguments builds them
+//     (the checked build reports these as caller errors);
+//   - when the tables exist already (they are kept);
+//   - when they cannot be allocated (then the tables stay empty, and further
+//     calls return -1 until ReleaseFeatureTables).
+// Not thread-safe: initialisation, release and extractions that measure the
+// orientation must not overlap. Measuring the orientation without tables is
+// a caller error that stops the process as an integer division by zero does
+// (the checked build reports it).
 OSTREL_API int InitFeatureTables(int marker, double angleSteps);
 
 // Frees the angle tables. Returns 0.

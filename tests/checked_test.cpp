@@ -3,6 +3,7 @@
 // valid calls, edge cases included, run through.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <functional>
 #include <string>
@@ -69,7 +70,8 @@ TEST(CheckedBuildDeathTest, CallerErrorsAbortNamingFunctionAndCondition) {
          MultiObjectFeatureExtract<int>(labels, 4, 4, 0, 0, 4, 4, labels, 1, 1, &f,
                                         static_cast<EFeaturesNeeded>(7), &aborted);
        },
-       "MultiObjectFeatureExtract: featuresNeeded is orientation bits, expected InitFeatureTables"},
+       "MultiObjectFeatureExtract: needed is 7, expected no eFeatureOrientation before "
+       "InitFeatureTables has built the angle tables"},
       // Arguments of other buffers and derived values name the caller's
       // argument.
       {[] {
@@ -105,6 +107,15 @@ TEST(CheckedBuildDeathTest, CallerErrorsAbortNamingFunctionAndCondition) {
          DrawContourOfL08toTRC(s, 8, 8, 0, 0, g_b, 8, 8, 0, 0, 5, 1, 0);
        },
        "DrawContourOfL08toTRC: regionHeight is 1, expected a region of at least 2 rows"},
+      // Objects: each bound's accepted side first, then the refused one.
+      {[] {
+         InitFeatureTables(1, 7.5), ReleaseFeatureTables(), InitFeatureTables(1, 36000.0);
+         ReleaseFeatureTables(), InitFeatureTables(1, std::nextafter(7.5, 0.0));
+       },
+       "InitFeatureTables: angleSteps is 7.4999999999999991, expected from 7.5 to 36000"},
+      {[] { InitFeatureTables(1, std::nextafter(36000.0, 1e9)); },
+       "InitFeatureTables: angleSteps is 36000.000000000007, expected from 7.5 to 36000"},
+      {[] { InitFeatureTables(0, 360.0); }, "InitFeatureTables: marker is 0, expected not 0"},
   };
   for (const auto &e : errors) {
     EXPECT_DEATH(e.call(), std::string("Ostrel: caller error in ") + e.message);

@@ -120,6 +120,34 @@ TEST(ObjectsFeatures, OrientationWorkedExamples) {
   EXPECT_DEATH(Extract(labels, 10, 10, 0, labels.data(), 1, 1, &f, all, &aborted), "");
 }
 
+// angleSteps from 7.5 (N = 8, E = 1) to 36000; a refused call leaves no
+// tables behind and no marker, so the next good one builds them. A 3 x 2
+// object in a 6 x 6 byte buffer at both bounds: offsets (1, 0.5) twice and
+// (0, 0.5) four times. N = 8 leaves the window no bins (N / 10 = 0), so
+// every start weighs 0 and the first wins: -pi. At N = 36000 the two bins
+// are 2657 and 2E = 9000, and the first window s-3600 .. s+3599 holding both
+// starts at 5401.
+TEST(ObjectsFeatures, AngleStepsRangeAndBothBounds) {
+  for (const double steps :
+       {std::nextafter(7.5, 0.0), 4.0, 0.4, 0.0, -8.0, std::nextafter(36000.0, 1e9), 1e300,
+        HUGE_VAL, -HUGE_VAL, std::nan("")})
+    EXPECT_EQ(InitFeatureTables(1, steps), -1) << steps;
+  EXPECT_EQ(InitFeatureTables(0, 360.0), -1);
+  std::vector<unsigned char> labels(36, 0);
+  for (int i : {7, 8, 9, 13, 14, 15}) labels[i] = 1;
+  SFeature f;
+  unsigned char aborted;
+  for (const double steps : {7.5, 36000.0}) {
+    ASSERT_EQ(InitFeatureTables(1, steps), 0) << steps;
+    ASSERT_EQ(
+        MultiObjectFeatureExtract<unsigned char>(labels.data(), 6, 6, 0, 0, 6, 6, labels.data(), 1,
+                                                 1, &f, static_cast<EFeaturesNeeded>(7), &aborted),
+        0);
+    EXPECT_DOUBLE_EQ(f.orientation, steps < 10 ? -kPi : 5401 / (steps / (2 * kPi)) - kPi);
+    EXPECT_EQ(ReleaseFeatureTables(), 0);
+  }
+}
+
 int g_polls = 0, g_pressAfter = 0;
 int PressAfterPolls(int key) {
   EXPECT_EQ(key, 27);

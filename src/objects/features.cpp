@@ -46,6 +46,18 @@ struct FeatureTables {
 
 FeatureTables g_tables;
 
+// The angleSteps InitFeatureTables accepts. Below 7.5, N is under 8 and E =
+// N / 8 is 0: the angle table's atan(i / E) is 0 / 0 and, below 0.5, N = 0
+// leaves the window search without bins. The upper bound, a hundredth of a
+// degree per bin, keeps the tables small and the window search (about
+// N * N / 5 additions per object) within reason. NaN fails both tests.
+const double kMinAngleSteps = 7.5;
+const double kMaxAngleSteps = 36000.0;
+
+bool AcceptedAngleSteps(double angleSteps) {
+  return angleSteps >= kMinAngleSteps && angleSteps <= kMaxAngleSteps;
+}
+
 bool EscapePressed() { return frame::platform::KeyPressed(frame::platform::kVirtualKeyEscape); }
 
 // Index of an object label from firstLabel: bytes compared as unsigned
@@ -154,14 +166,13 @@ double HeaviestDirection() {
 // The orientation of every object. The offsets take the region's column and
 // row against the centroid in buffer coordinates, so a region away from the
 // origin shifts them by left and top; hosts' results depend on that too.
-// Returns false on Escape.
+// Returns false on Escape. Without tables it stops the process as the
+// division by N would.
 template <class T>
-bool MeasureOrientations(const char *function, const T *labels, int width, const ClampedRegion &r,
-                         T firstLabel, int objectCount, SFeature *features) {
+bool MeasureOrientations(const T *labels, int width, const ClampedRegion &r, T firstLabel,
+                         int objectCount, SFeature *features) {
   FeatureTables &t = g_tables;
-  OSTREL_EXPECT(function, "featuresNeeded", "orientation bits", t.accumulator != nullptr && t.n > 0,
-                "InitFeatureTables to have succeeded first");
-  if (t.accumulator == nullptr || t.n <= 0) frame::platform::RaiseIntegerDivideFault();
+  if (t.accumulator == nullptr) frame::platform::RaiseIntegerDivideFault();
   for (int k = 0; k < objectCount; ++k) {
     if (EscapePressed()) return false;
     for (int b = 0; b <= t.n; ++b) t.accumulator[b] = 0.0;
@@ -192,17 +203,21 @@ namespace frame = ostrel::frame;
 namespace objects = ostrel::objects;
 
 int InitFeatureTables(int marker, double angleSteps) {
+  OSTREL_EXPECT(__func__, "marker", marker, marker != 0, "not 0");
+  OSTREL_EXPECT(__func__, "angleSteps", angleSteps, objects::AcceptedAngleSteps(angleSteps),
+                "from 7.5 to 36000");
+  // Refused before anything changes: tables built before stay, and without
+  // them the marker stays 0, so a later call with good arguments builds them.
+  if (marker == 0 || !objects::AcceptedAngleSteps(angleSteps)) return -1;
   objects::FeatureTables &t = objects::g_tables;
   if (t.marker != 0) return -1;
   t.marker = marker;
-  t.n = frame::TruncToInt32(angleSteps + 0.5);
+  t.n = frame::TruncToInt32(angleSteps + 0.5);  // 8 .. 36000
   t.scale = angleSteps / (2.0 * objects::kPi);
-  t.e = frame::TruncToInt32(t.n * 0.125);
+  t.e = frame::TruncToInt32(t.n * 0.125);  // 1 .. 4500
   t.Free();
-  if (t.e >= 0 && t.n >= 0) {
-    t.angle = new (std::nothrow) int[static_cast<std::size_t>(t.e) + 1];
-    t.accumulator = new (std::nothrow) double[static_cast<std::size_t>(t.n) + 1];
-  }
+  t.angle = new (std::nothrow) int[static_cast<std::size_t>(t.e) + 1];
+  t.accumulator = new (std::nothrow) double[static_cast<std::size_t>(t.n) + 1];
   if (t.angle == nullptr || t.accumulator == nullptr) {
     // The marker stays: further calls fail until the tables are released.
     t.Free();
@@ -240,6 +255,11 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
   const bool centroid = basic && (needed & eFeatureCentroid) != 0;
   const bool orientation = centroid && (needed & eFeatureOrientation) != 0;
   const bool histogram = basic && (needed & eFeatureHistogram) != 0;
+  // Tables built by InitFeatureTables always hold N >= 8 bins, so their
+  // presence is all the orientation needs.
+  OSTREL_EXPECT(__func__, "needed", static_cast<int>(needed),
+                !orientation || objects::g_tables.accumulator != nullptr,
+                "no eFeatureOrientation before InitFeatureTables has built the angle tables");
 
   objects::Temporaries tmp;
   if (!tmp.Obtain(objectCount, centroid)) return -1;
@@ -293,8 +313,7 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
   }
 
   if (orientation) {
-    if (!objects::MeasureOrientations(__func__, labels, width, r, firstLabel, objectCount,
-                                      features)) {
+    if (!objects::MeasureOrientations(labels, width, r, firstLabel, objectCount, features)) {
       *aborted = 1;
       return -1;
     }
