@@ -1525,8 +1525,8 @@ extern template OSTREL_API int ColorBinaryObjects<int>(int *buffer, int width, i
 // ---- Contour following -----------------------------------------------------
 
 // Walks the outer boundary of the 8-connected object of objectValue that
-// holds *start (a pixel inside buffer), clockwise on screen, and returns its
-// length: 1 per axis step, sqrt(2) per diagonal step. The search for each
+// holds *start (a pixel of the width x height buffer), clockwise on screen,
+// and returns its length: 1 per axis step, sqrt(2) per diagonal step. The search for each
 // step begins one direction clockwise past the pixel just left (the first
 // search begins to the right). The walk stops
 //   - when all eight neighbours of the start differ (length 0, no point),
@@ -1536,11 +1536,23 @@ extern template OSTREL_API int ColorBinaryObjects<int>(int *buffer, int width, i
 //   - when the length so far exceeds regionWidth * regionHeight;
 // the step that stops it is not counted. If points is given, each pixel
 // left (the start first, not repeated at the end) is stored and counted in
-// *pointCount; without points *pointCount becomes 0. Room for
-// regionWidth * regionHeight + 2 points suffices.
+// *pointCount (INT_MAX if more); without points *pointCount becomes 0. Room
+// for regionWidth * regionHeight + 2 points suffices. left + regionWidth and
+// top + regionHeight are taken in 64 bits.
 //
-// Neighbours are read without bounds tests: every pixel of the walk needs
-// its eight neighbours inside the buffer. height is not used.
+// Neighbours are read by raw index, start + dy * width + dx from the pixel
+// walked to: the left neighbour of a pixel in column 0 is the last pixel of
+// the row above, the right neighbour of one in the last column the first
+// pixel of the row below, and the walk's coordinates then run on past the
+// buffer's columns (so a region reaching beyond the buffer lets the walk on).
+// A neighbour above the first row or below the last row is never read and
+// counts as not the object, and so does the one link that mirrors such a
+// neighbour at either end: the lower left neighbour of pixel (0, 0) (the
+// first row's last pixel) and the upper right neighbour of the last pixel
+// (the last row's first pixel). Neighbours stay symmetric, so every walk
+// comes back to its start unless the region or the guard stops it first.
+// Width or height below 1, or a start that is not a pixel of the buffer,
+// gives 0 and no point (the checked build reports them).
 template <typename T>
 double FollowContour(T *buffer, T *start, int width, int height, int left, int top,
                      int regionWidth, int regionHeight, T objectValue, CPoint *points,

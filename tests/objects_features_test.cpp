@@ -148,6 +148,20 @@ TEST(ObjectsFeatures, AngleStepsRangeAndBothBounds) {
   }
 }
 
+// A one-pixel object at (0, 0) of an exact-size buffer: its contour reads
+// nothing before the buffer.
+TEST(ObjectsFeatures, ObjectInTheFirstRow) {
+  std::vector<unsigned char> labels(4 * 3, 0);
+  labels[0] = 1;
+  SFeature f;
+  unsigned char aborted;
+  ASSERT_EQ(MultiObjectFeatureExtract<unsigned char>(labels.data(), 4, 3, 0, 0, 4, 3, labels.data(),
+                                                     1, 1, &f, eFeatureBasic, &aborted),
+            0);
+  EXPECT_EQ(f.pixelCount, 1);
+  EXPECT_EQ(f.perimeter, 0.0);
+}
+
 int g_polls = 0, g_pressAfter = 0;
 int PressAfterPolls(int key) {
   EXPECT_EQ(key, 27);

@@ -3,13 +3,35 @@
 #ifndef OSTREL_OBJECTS_OBJECTS_H
 #define OSTREL_OBJECTS_OBJECTS_H
 
+#include <climits>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace ostrel {
 namespace objects {
 
 inline int ClampInt(int v, int lo, int hi) { return v < lo ? lo : (v > hi ? hi : v); }
+
+// A count returned as an int: n itself, or INT_MAX when n does not fit.
+inline int SaturatedCount(std::uint64_t n) {
+  return n > static_cast<std::uint64_t>(INT_MAX) ? INT_MAX : static_cast<int>(n);
+}
+
+// The index of p in a width x height buffer, or -1 when p is not one of its
+// pixels (also when the buffer has none). Taken from the addresses, so that
+// a pointer outside the buffer is seen without forming one from the other.
+template <class T>
+std::int64_t PixelIndex(const T *buffer, const T *p, int width, int height) {
+  if (width < 1 || height < 1) return -1;
+  const std::uintptr_t first = reinterpret_cast<std::uintptr_t>(buffer);
+  const std::uintptr_t at = reinterpret_cast<std::uintptr_t>(p);
+  if (at < first || (at - first) % sizeof(T) != 0) return -1;
+  const std::uint64_t i = (at - first) / sizeof(T);
+  return i < static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height)
+             ? static_cast<std::int64_t>(i)
+             : -1;
+}
 
 // A region clamped into a width x height buffer: left and top into the
 // buffer, the sizes into 0 .. width-1-left and 0 .. height-1-top. Taken as
