@@ -1460,7 +1460,10 @@ OSTREL_API void AlphaBlendBGR32AlphaToBGR32(unsigned char *alpha, unsigned int a
 // Regions are clamped into the buffer rather than clipped: left into
 // 0 .. width-1, top into 0 .. height-1, regionWidth into 0 .. width-1-left,
 // regionHeight into 0 .. height-1-top. As sizes these never reach the
-// buffer's last column or last row, so a scan never visits them.
+// buffer's last column or last row, so a scan never visits them. A buffer
+// whose width or height is below 1 has no pixels and its region is empty.
+// No argument values overflow the arithmetic: sums of the geometry are taken
+// in 64 bits, and a count that an int cannot hold is returned as INT_MAX.
 
 // The platform's point record: x, then y.
 struct CPoint {
@@ -1479,9 +1482,10 @@ struct CPoint {
 // those limits is filled too, and from it the walk steps only toward them.
 //
 // *changedCount (if not null) becomes one more than the number of pixels
-// rewritten: an isolated seed gives 2. A fillValue equal to the seed's value
-// rewrites nothing and leaves *changedCount at 1 (the checked build reports
-// it as a caller error). Returns 0.
+// rewritten, or INT_MAX when that does not fit in an int: an isolated seed
+// gives 2. A fillValue equal to the seed's value, or a buffer without pixels
+// (width or height below 1), rewrites nothing and leaves *changedCount at 1
+// (the checked build reports both as caller errors). Returns 0.
 template <typename T>
 int Fill(T *buffer, int width, int height, int seedX, int seedY, int left, int top,
          int regionWidth, int regionHeight, T fillValue, int *changedCount);
@@ -1497,7 +1501,8 @@ extern template OSTREL_API int Fill<int>(int *buffer, int width, int height, int
 // region its own label, in raster order of the objects' first pixels, by one
 // Fill per object seeded there (so an object is filled within Fill's
 // inclusive limits, also in the unscanned last column and row). Returns the
-// number of objects labelled.
+// number of objects labelled (INT_MAX if more). A negative width or height
+// labels nothing (the checked build reports it).
 //
 // Labels start at firstLabel and step by +1 (ascending) or -1. The scan
 // stops as soon as the next label equals endLabel (ascending) or 1
@@ -1638,7 +1643,13 @@ OSTREL_API int ReleaseFeatureTables();
 // reports, *aborted becomes 1 and -1 is returned, the records filled so far
 // keeping what they have. Returns 0, or -1 also for null features or when
 // the suite's memory manager (VornelMemMgr.h), which supplies the
-// temporaries, has none to give. objectCount 0 or less measures nothing.
+// temporaries, has none to give (or when objectCount doubles would not fit
+// in size_t: then nothing is asked of it). objectCount 0 or less measures
+// nothing. Pixels are counted in 64 bits: pixelCount and each histogram bin
+// stop at INT_MAX, while the centroid and roundness use the full count. In
+// the int form a value outside 0 .. 255 under an object has no bin and is not
+// counted, and a negative width or height measures no pixel (the checked
+// build reports both).
 template <typename T>
 int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int top,
                               int regionWidth, int regionHeight, T *values, T firstLabel,
@@ -1664,7 +1675,9 @@ OSTREL_API OstrelKeyStateQuery SetKeyStateQuery(OstrelKeyStateQuery query);
 
 // Interpolates a table of count percentages given for values 0, 100, 200,
 // ...: table[0] / 100 at or below 0, table[count-1] / 100 at or beyond the
-// last step, linear in between, in single precision.
+// last step, (count - 1) * 100 (taken in 64 bits), linear in between, in
+// single precision. A count below 1 gives 0 without reading the table (the
+// checked build reports it).
 OSTREL_API float GetInterpolatedOverlayFactor(int value, double *table, int count);
 
 // ---- Mask frames -----------------------------------------------------------
@@ -1675,10 +1688,14 @@ OSTREL_API float GetInterpolatedOverlayFactor(int value, double *table, int coun
 // frameWidth from every edge are tested, and round each boundary pixel the
 // destination pixels whose table distance d is at most frameWidth are
 // raised or (down frame) zeroed; nothing else is written. Needs
-// 1 <= frameWidth <= R and width, height > 2 * frameWidth.
+// 1 <= frameWidth <= R and width, height > 2 * frameWidth: otherwise nothing
+// is written at all (the checked build reports the first that fails).
 
 // A new (2R+1) x (2R+1) table, rows dy = -R .. R, columns dx = -R .. R, of
-// sqrt(dx*dx + dy*dy) rounded half up. Release it with delete[].
+// sqrt(dx*dx + dy*dy) rounded half up. Release it with delete[]. Throws
+// std::bad_alloc when it cannot be allocated, also when its size in bytes
+// does not fit in size_t (from R = 2^30 in 64-bit builds, 2^14 in 32-bit
+// ones).
 OSTREL_API int *CreateDistTableForSoftFrame(unsigned int R);
 
 // Raises the destination to v = ((frameWidth + 1 - d) * s) / frameWidth, cut

@@ -2,6 +2,8 @@
 // and length) and the stopping rules; a disc's is in the features tests.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <climits>
 #include <cmath>
 #include <random>
 #include <utility>
@@ -75,6 +77,28 @@ TEST(ObjectsFollowContour, RegionExitAndRunawayGuard) {
   EXPECT_EQ(Trace<int>(16, 5, 2, 2, bar, &p, 0, 2, 16, 1), 17.0);
   EXPECT_EQ(p.size(), 18u);
   EXPECT_EQ(p.back(), std::make_pair(7, 2));
+}
+
+// Sizes up to INT_MAX: left + regionWidth and top + regionHeight are taken
+// in 64 bits (the whole bar: out 11, back 10). No pixels, or a start past the
+// buffer's end: no walk.
+TEST(ObjectsFollowContour, LargeRegionsEmptyBuffersStartOutside) {
+  std::vector<int> b(16 * 5, 0);
+  std::fill(b.begin() + 34, b.begin() + 46, 1);
+  int count = -1;
+  EXPECT_EQ(FollowContour<int>(b.data(), b.data() + 34, 16, 5, 1, 1, INT_MAX, INT_MAX, 1, nullptr,
+                               &count),
+            21.0);
+  CPoint out[4];
+  for (const auto &c : {std::make_pair(0, 5), std::make_pair(16, 0), std::make_pair(16, 2)}) {
+    count = -1;
+    EXPECT_EQ(
+        FollowContour<int>(b.data(), b.data() + 34, c.first, c.second, 0, 0, 16, 5, 1, out, &count),
+        0.0);
+    EXPECT_EQ(count, 0);
+  }
+  EXPECT_EQ(FollowContour<int>(b.data(), b.data() + 80, 16, 5, 0, 0, 16, 5, 0, out, &count), 0.0);
+  EXPECT_EQ(count, 0);
 }
 
 // Objects on the buffer's edges, traced in exact-size buffers: nothing above

@@ -2,6 +2,7 @@
 // Escape abort, temporaries returned, and the overlay factor.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 #include <cstdlib>
 #include <vector>
@@ -177,6 +178,7 @@ class CountingMemMgr final : public IMemMgr {
   unsigned long VORNEL_STDCALL AddRef() override { return 1; }
   unsigned long VORNEL_STDCALL Release() override { return 1; }
   VornelStatus VORNEL_STDCALL Allocate(std::size_t size, void **block) override {
+    ++requests;
     return (*block = failing ? nullptr : std::malloc(size)) == nullptr ? kVornelOutOfMemory
                                                                        : (++out, kVornelOk);
   }
@@ -185,7 +187,7 @@ class CountingMemMgr final : public IMemMgr {
     return kVornelOk;
   }
   VornelStatus VORNEL_STDCALL GetMemorySize(unsigned int *m) override { return *m = 64, kVornelOk; }
-  int out = 0;
+  int out = 0, requests = 0;
   bool failing = false;
 };
 
@@ -215,6 +217,38 @@ TEST(ObjectsFeatures, EscapeAbortsAndTemporariesGoBack) {
   DllSetMemMgr(previous);
 }
 
+// Values outside 0 .. 255 under an object have no bin and are not counted;
+// an object count whose doubles size_t cannot hold (32-bit builds) asks the
+// memory manager for nothing; a width of INT_MIN clamps no region.
+TEST(ObjectsFeatures, ValuesOutsideTheHistogramAndHugeCounts) {
+  std::vector<int> labels = Labels(4, 3, {{0, 0, 3, 2, 1}}), values = {-1, 256, 300, 0, 7, 255, 7};
+  values.resize(12);
+  std::vector<SFeature> f(1);
+  unsigned char aborted;
+  ASSERT_EQ(Extract(labels, 4, 3, 0, values.data(), 1, 1, f.data(),
+                    eFeatureBasic | eFeatureHistogram, &aborted),
+            0);
+  int counted = 0;
+  for (int v = 0; v < 256; ++v) counted += f[0].histogram[v];
+  EXPECT_EQ(counted, 3);
+  EXPECT_EQ(f[0].histogram[7], 2);
+  EXPECT_EQ(f[0].histogram[255], 1);
+  CountingMemMgr manager;
+  manager.failing = true;
+  IMemMgr *previous = DllSetMemMgr(&manager);
+  EXPECT_EQ(MultiObjectFeatureExtract<int>(labels.data(), 4, 3, 0, 0, 4, 3, values.data(), 1,
+                                           INT_MAX, f.data(), eFeatureBasic, &aborted),
+            -1);
+  if (sizeof(std::size_t) < 8) { EXPECT_EQ(manager.requests, 0); }
+  DllSetMemMgr(previous);
+  EXPECT_EQ(MultiObjectFeatureExtract<int>(labels.data(), INT_MIN, 3, 0, 0, 4, 3, values.data(), 1,
+                                           1, f.data(), eFeatureBasic, &aborted),
+            0);
+  EXPECT_EQ(f[0].pixelCount, 0);
+}
+
+// An empty table is not read; (count - 1) * 100 is taken in 64 bits, so a
+// table of 21474838 entries interpolates as a short one does.
 TEST(ObjectsFeatures, InterpolatedOverlayFactor) {
   double two[] = {0, 100}, four[] = {10, 40, 40, 100};
   EXPECT_FLOAT_EQ(GetInterpolatedOverlayFactor(50, two, 2), 0.5f);
@@ -224,6 +258,15 @@ TEST(ObjectsFeatures, InterpolatedOverlayFactor) {
   } cases[] = {{-5, .1f}, {0, .1f}, {25, .175f}, {150, .4f}, {250, .7f}, {300, 1}, {999, 1}};
   for (const auto &c : cases)
     EXPECT_FLOAT_EQ(GetInterpolatedOverlayFactor(c.value, four, 4), c.factor) << c.value;
+  EXPECT_EQ(GetInterpolatedOverlayFactor(50, nullptr, 0), 0.0f);
+  EXPECT_EQ(GetInterpolatedOverlayFactor(-5, nullptr, -3), 0.0f);
+  std::vector<double> steps(21474838);
+  for (std::size_t i = 0; i < steps.size(); ++i) steps[i] = 10.0 * i;
+  EXPECT_FLOAT_EQ(GetInterpolatedOverlayFactor(150, steps.data(), 4), .15f);
+  for (const int value : {150, 250})
+    EXPECT_EQ(GetInterpolatedOverlayFactor(value, steps.data(), 21474838),
+              GetInterpolatedOverlayFactor(value, steps.data(), 4))
+        << value;
 }
 
 }  // namespace

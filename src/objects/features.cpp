@@ -1,8 +1,10 @@
 // Multi-object feature extraction: per-object pixel count, centroid,
 // orientation, perimeter, roundness and histogram in one pass over a label
 // buffer, with the module-wide angle tables that the orientation needs.
+#include <climits>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <new>
 
@@ -68,6 +70,10 @@ int LabelIndex(unsigned char label, unsigned char firstLabel) {
 int LabelIndex(int label, int firstLabel) {
   return static_cast<int>(static_cast<unsigned int>(label) - static_cast<unsigned int>(firstLabel));
 }
+// Whether a value has a histogram bin, 0 .. 255; every byte has one.
+bool InHistogram(unsigned char) { return true; }
+bool InHistogram(int value) { return value >= 0 && value <= 255; }
+
 unsigned char ObjectLabel(int k, unsigned char firstLabel) {
   return static_cast<unsigned char>(firstLabel + k);
 }
@@ -89,15 +95,18 @@ class Temporaries {
   }
 
   bool Obtain(int objectCount, bool sums) {
+    // The largest block, objectCount doubles, must have a size that size_t
+    // holds (in 32-bit builds it need not): nothing is asked for otherwise.
+    const std::size_t n = static_cast<std::size_t>(objectCount);
+    if (n > SIZE_MAX / sizeof(double)) return false;
     manager_ = DllGetMemMgr();
     if (manager_ == nullptr) return false;
-    const std::size_t n = static_cast<std::size_t>(objectCount);
     if (!Cleared(n, &done) || !Cleared(n, &counter)) return false;
     return !sums || (Cleared(n, &sumX) && Cleared(n, &sumY));
   }
 
   unsigned char *done = nullptr;
-  int *counter = nullptr;
+  std::int64_t *counter = nullptr;
   double *sumX = nullptr;
   double *sumY = nullptr;
 
@@ -246,6 +255,8 @@ template <typename T>
 int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int top, int regionWidth,
                               int regionHeight, T *values, T firstLabel, int objectCount,
                               SFeature *features, EFeaturesNeeded needed, unsigned char *aborted) {
+  OSTREL_EXPECT(__func__, "width", width, width >= 0, "not negative");
+  OSTREL_EXPECT(__func__, "height", height, height >= 0, "not negative");
   *aborted = 0;
   if (features == nullptr) return -1;
   if (objectCount <= 0) return 0;
@@ -284,7 +295,13 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
         tmp.sumX[k] += c + 0.5;
         tmp.sumY[k] += row + 0.5;
       }
-      if (histogram) ++features[k].histogram[v[c]];
+      if (histogram) {
+#if OSTREL_CHECKED
+        if (!objects::InHistogram(v[c]))
+          objects::ReportElement(__func__, "values", rowStart + c, v[c], "0 .. 255");
+#endif
+        if (objects::InHistogram(v[c])) objects::CountUp(features[k].histogram[v[c]]);
+      }
       if (!tmp.done[k]) {
         // The object's first pixel in raster order starts its contour.
         features[k].perimeter =
@@ -298,8 +315,8 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
 
   for (int k = 0; k < objectCount; ++k) {
     SFeature &f = features[k];
-    const int count = tmp.counter[k];
-    f.pixelCount = count;
+    const std::int64_t count = tmp.counter[k];
+    f.pixelCount = objects::SaturatedCount(static_cast<std::uint64_t>(count));
     // An object without pixels divides by zero here; its roundness is not
     // a number then.
     f.roundness = f.perimeter / (2.0 * objects::kPi * std::sqrt(count / objects::kPi));
@@ -324,11 +341,13 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
 }
 
 float GetInterpolatedOverlayFactor(int value, double *table, int count) {
+  OSTREL_EXPECT(__func__, "count", count, count >= 1, "at least 1");
+  if (count < 1) return 0.0f;  // an empty table is not read
   const auto percent = [table](int i) { return static_cast<float>(table[i] / 100); };
+  const std::int64_t last = count - 1, end = last * 100;  // past INT_MAX for large counts
   if (value <= 0) return percent(0);
-  if (value >= (count - 1) * 100) return percent(count - 1);
-  const float pos = static_cast<float>(value) / static_cast<float>((count - 1) * 100) *
-                    static_cast<float>(count - 1);
+  if (value >= end) return percent(count - 1);
+  const float pos = static_cast<float>(value) / static_cast<float>(end) * static_cast<float>(last);
   int lo = count - 1;
   while (static_cast<float>(lo) > pos) --lo;
   int hi = 0;
