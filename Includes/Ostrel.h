@@ -1641,11 +1641,11 @@ OSTREL_API int ReleaseFeatureTables();
 // The Escape key is polled before every pixel of each pass (Windows:
 // GetAsyncKeyState; elsewhere the query of SetKeyStateQuery): when it
 // reports, *aborted becomes 1 and -1 is returned, the records filled so far
-// keeping what they have. Returns 0, or -1 also for null features or when
-// the suite's memory manager (VornelMemMgr.h), which supplies the
-// temporaries, has none to give (or when objectCount doubles would not fit
-// in size_t: then nothing is asked of it). objectCount 0 or less measures
-// nothing. Pixels are counted in 64 bits: pixelCount and each histogram bin
+// keeping what they have. Returns 0, or -1 also for null features or
+// aborted (then nothing is written) or when the suite's memory manager
+// (VornelMemMgr.h), which supplies the temporaries, has none to give (or when
+// objectCount doubles would not fit in size_t: then nothing is asked of it).
+// objectCount 0 or less measures nothing. Pixels are counted in 64 bits: pixelCount and each histogram bin
 // stop at INT_MAX, while the centroid and roundness use the full count. In
 // the int form a value outside 0 .. 255 under an object has no bin and is not
 // counted, and a negative width or height measures no pixel (the checked

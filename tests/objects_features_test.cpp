@@ -47,6 +47,7 @@ TEST(ObjectsFeatures, RectanglesCountsCentroidsPerimetersHistograms) {
   unsigned char aborted = 9;
   const int needed = eFeatureBasic | eFeatureCentroid | eFeatureHistogram;
   EXPECT_EQ(Extract(labels, w, h, 0, values.data(), 3, 3, nullptr, needed, &aborted), -1);
+  EXPECT_EQ(Extract(labels, w, h, 0, values.data(), 3, 3, f.data(), needed, nullptr), -1);
   EXPECT_EQ(Extract(labels, w, h, 0, values.data(), 3, 0, f.data(), needed, &aborted), 0);
   ASSERT_EQ(Extract(labels, w, h, 0, values.data(), 3, 3, f.data(), needed, &aborted), 0);
   // count, centroid x and y, perimeter (the closing contour step uncounted)

@@ -257,6 +257,7 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
                               SFeature *features, EFeaturesNeeded needed, unsigned char *aborted) {
   OSTREL_EXPECT(__func__, "width", width, width >= 0, "not negative");
   OSTREL_EXPECT(__func__, "height", height, height >= 0, "not negative");
+  if (aborted == nullptr) return -1;
   *aborted = 0;
   if (features == nullptr) return -1;
   if (objectCount <= 0) return 0;
