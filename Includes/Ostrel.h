@@ -1460,7 +1460,10 @@ OSTREL_API void AlphaBlendBGR32AlphaToBGR32(unsigned char *alpha, unsigned int a
 // Regions are clamped into the buffer rather than clipped: left into
 // 0 .. width-1, top into 0 .. height-1, regionWidth into 0 .. width-1-left,
 // regionHeight into 0 .. height-1-top. As sizes these never reach the
-// buffer's last column or last row, so a scan never visits them.
+// buffer's last column or last row, so a scan never visits them. A buffer
+// whose width or height is below 1 has no pixels and its region is empty.
+// No argument values overflow the arithmetic: sums of the geometry are taken
+// in 64 bits, and a count that an int cannot hold is returned as INT_MAX.
 
 // The platform's point record: x, then y.
 struct CPoint {
@@ -1479,9 +1482,10 @@ struct CPoint {
 // those limits is filled too, and from it the walk steps only toward them.
 //
 // *changedCount (if not null) becomes one more than the number of pixels
-// rewritten: an isolated seed gives 2. A fillValue equal to the seed's value
-// rewrites nothing and leaves *changedCount at 1 (the checked build reports
-// it as a caller error). Returns 0.
+// rewritten, or INT_MAX when that does not fit in an int: an isolated seed
+// gives 2. A fillValue equal to the seed's value, or a buffer without pixels
+// (width or height below 1), rewrites nothing and leaves *changedCount at 1
+// (the checked build reports both as caller errors). Returns 0.
 template <typename T>
 int Fill(T *buffer, int width, int height, int seedX, int seedY, int left, int top,
          int regionWidth, int regionHeight, T fillValue, int *changedCount);
@@ -1497,7 +1501,8 @@ extern template OSTREL_API int Fill<int>(int *buffer, int width, int height, int
 // region its own label, in raster order of the objects' first pixels, by one
 // Fill per object seeded there (so an object is filled within Fill's
 // inclusive limits, also in the unscanned last column and row). Returns the
-// number of objects labelled.
+// number of objects labelled (INT_MAX if more). A negative width or height
+// labels nothing (the checked build reports it).
 //
 // Labels start at firstLabel and step by +1 (ascending) or -1. The scan
 // stops as soon as the next label equals endLabel (ascending) or 1
@@ -1525,8 +1530,8 @@ extern template OSTREL_API int ColorBinaryObjects<int>(int *buffer, int width, i
 // ---- Contour following -----------------------------------------------------
 
 // Walks the outer boundary of the 8-connected object of objectValue that
-// holds *start (a pixel inside buffer), clockwise on screen, and returns its
-// length: 1 per axis step, sqrt(2) per diagonal step. The search for each
+// holds *start (a pixel of the width x height buffer), clockwise on screen,
+// and returns its length: 1 per axis step, sqrt(2) per diagonal step. The search for each
 // step begins one direction clockwise past the pixel just left (the first
 // search begins to the right). The walk stops
 //   - when all eight neighbours of the start differ (length 0, no point),
@@ -1536,11 +1541,23 @@ extern template OSTREL_API int ColorBinaryObjects<int>(int *buffer, int width, i
 //   - when the length so far exceeds regionWidth * regionHeight;
 // the step that stops it is not counted. If points is given, each pixel
 // left (the start first, not repeated at the end) is stored and counted in
-// *pointCount; without points *pointCount becomes 0. Room for
-// regionWidth * regionHeight + 2 points suffices.
+// *pointCount (INT_MAX if more); without points *pointCount becomes 0. Room
+// for regionWidth * regionHeight + 2 points suffices. left + regionWidth and
+// top + regionHeight are taken in 64 bits.
 //
-// Neighbours are read without bounds tests: every pixel of the walk needs
-// its eight neighbours inside the buffer. height is not used.
+// Neighbours are read by raw index, start + dy * width + dx from the pixel
+// walked to: the left neighbour of a pixel in column 0 is the last pixel of
+// the row above, the right neighbour of one in the last column the first
+// pixel of the row below, and the walk's coordinates then run on past the
+// buffer's columns (so a region reaching beyond the buffer lets the walk on).
+// A neighbour above the first row or below the last row is never read and
+// counts as not the object, and so does the one link that mirrors such a
+// neighbour at either end: the lower left neighbour of pixel (0, 0) (the
+// first row's last pixel) and the upper right neighbour of the last pixel
+// (the last row's first pixel). Neighbours stay symmetric, so every walk
+// comes back to its start unless the region or the guard stops it first.
+// Width or height below 1, or a start that is not a pixel of the buffer,
+// gives 0 and no point (the checked build reports them).
 template <typename T>
 double FollowContour(T *buffer, T *start, int width, int height, int left, int top,
                      int regionWidth, int regionHeight, T objectValue, CPoint *points,
@@ -1588,13 +1605,24 @@ struct SFeature {
 };
 
 // Builds the module-wide angle tables that the orientation needs, for
-// angleSteps bins per full turn (N = angleSteps rounded half up). marker must
-// not be 0. Returns 0, or -1 when the tables exist already (they are kept)
-// or cannot be allocated (then the tables stay empty, and further calls
-// return -1 until ReleaseFeatureTables). Not thread-safe: initialisation,
-// release and extractions that measure the orientation must not overlap.
-// Measuring the orientation without tables is a caller error that stops the
-// process as an integer division by zero does (the checked build reports it).
+// angleSteps bins per full turn (N = angleSteps rounded half up, E = N / 8
+// bins per 45 degrees). angleSteps must lie in 7.5 .. 36000, both included:
+// from N = 8, the least that gives E >= 1, up to a hundredth of a degree per
+// bin (the orientation's window search costs about N * N / 5 additions per
+// object). marker must not be 0.
+//
+// Returns 0, or -1
+//   - when marker is 0, or angleSteps lies outside 7.5 .. 36000 or is not a
+//     number (infinities too): nothing changes, tables built before are
+//     kept, and without them a later call with good arguments builds them
+//     (the checked build reports these as caller errors);
+//   - when the tables exist already (they are kept);
+//   - when they cannot be allocated (then the tables stay empty, and further
+//     calls return -1 until ReleaseFeatureTables).
+// Not thread-safe: initialisation, release and extractions that measure the
+// orientation must not overlap. Measuring the orientation without tables is
+// a caller error that stops the process as an integer division by zero does
+// (the checked build reports it).
 OSTREL_API int InitFeatureTables(int marker, double angleSteps);
 
 // Frees the angle tables. Returns 0.
@@ -1613,9 +1641,15 @@ OSTREL_API int ReleaseFeatureTables();
 // The Escape key is polled before every pixel of each pass (Windows:
 // GetAsyncKeyState; elsewhere the query of SetKeyStateQuery): when it
 // reports, *aborted becomes 1 and -1 is returned, the records filled so far
-// keeping what they have. Returns 0, or -1 also for null features or when
-// the suite's memory manager (VornelMemMgr.h), which supplies the
-// temporaries, has none to give. objectCount 0 or less measures nothing.
+// keeping what they have. Returns 0, or -1 also for null features or
+// aborted (then nothing is written) or when the suite's memory manager
+// (VornelMemMgr.h), which supplies the temporaries, has none to give (or when
+// objectCount doubles would not fit in size_t: then nothing is asked of it).
+// objectCount 0 or less measures nothing. Pixels are counted in 64 bits: pixelCount and each histogram bin
+// stop at INT_MAX, while the centroid and roundness use the full count. In
+// the int form a value outside 0 .. 255 under an object has no bin and is not
+// counted, and a negative width or height measures no pixel (the checked
+// build reports both).
 template <typename T>
 int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int top,
                               int regionWidth, int regionHeight, T *values, T firstLabel,
@@ -1641,7 +1675,9 @@ OSTREL_API OstrelKeyStateQuery SetKeyStateQuery(OstrelKeyStateQuery query);
 
 // Interpolates a table of count percentages given for values 0, 100, 200,
 // ...: table[0] / 100 at or below 0, table[count-1] / 100 at or beyond the
-// last step, linear in between, in single precision.
+// last step, (count - 1) * 100 (taken in 64 bits), linear in between, in
+// single precision. A count below 1 gives 0 without reading the table (the
+// checked build reports it).
 OSTREL_API float GetInterpolatedOverlayFactor(int value, double *table, int count);
 
 // ---- Mask frames -----------------------------------------------------------
@@ -1652,10 +1688,14 @@ OSTREL_API float GetInterpolatedOverlayFactor(int value, double *table, int coun
 // frameWidth from every edge are tested, and round each boundary pixel the
 // destination pixels whose table distance d is at most frameWidth are
 // raised or (down frame) zeroed; nothing else is written. Needs
-// 1 <= frameWidth <= R and width, height > 2 * frameWidth.
+// 1 <= frameWidth <= R and width, height > 2 * frameWidth: otherwise nothing
+// is written at all (the checked build reports the first that fails).
 
 // A new (2R+1) x (2R+1) table, rows dy = -R .. R, columns dx = -R .. R, of
-// sqrt(dx*dx + dy*dy) rounded half up. Release it with delete[].
+// sqrt(dx*dx + dy*dy) rounded half up. Release it with delete[]. Throws
+// std::bad_alloc when it cannot be allocated, also when its size in bytes
+// does not fit in size_t (from R = 2^30 in 64-bit builds, 2^14 in 32-bit
+// ones).
 OSTREL_API int *CreateDistTableForSoftFrame(unsigned int R);
 
 // Raises the destination to v = ((frameWidth + 1 - d) * s) / frameWidth, cut

@@ -3,6 +3,7 @@
 // valid calls, edge cases included, run through.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <functional>
 #include <string>
@@ -69,7 +70,8 @@ TEST(CheckedBuildDeathTest, CallerErrorsAbortNamingFunctionAndCondition) {
          MultiObjectFeatureExtract<int>(labels, 4, 4, 0, 0, 4, 4, labels, 1, 1, &f,
                                         static_cast<EFeaturesNeeded>(7), &aborted);
        },
-       "MultiObjectFeatureExtract: featuresNeeded is orientation bits, expected InitFeatureTables"},
+       "MultiObjectFeatureExtract: needed is 7, expected no eFeatureOrientation before "
+       "InitFeatureTables has built the angle tables"},
       // Arguments of other buffers and derived values name the caller's
       // argument.
       {[] {
@@ -105,6 +107,74 @@ TEST(CheckedBuildDeathTest, CallerErrorsAbortNamingFunctionAndCondition) {
          DrawContourOfL08toTRC(s, 8, 8, 0, 0, g_b, 8, 8, 0, 0, 5, 1, 0);
        },
        "DrawContourOfL08toTRC: regionHeight is 1, expected a region of at least 2 rows"},
+      // Objects: each bound's accepted side first, then the refused one.
+      {[] {
+         InitFeatureTables(1, 7.5), ReleaseFeatureTables(), InitFeatureTables(1, 36000.0);
+         ReleaseFeatureTables(), InitFeatureTables(1, std::nextafter(7.5, 0.0));
+       },
+       "InitFeatureTables: angleSteps is 7.4999999999999991, expected from 7.5 to 36000"},
+      {[] { InitFeatureTables(1, std::nextafter(36000.0, 1e9)); },
+       "InitFeatureTables: angleSteps is 36000.000000000007, expected from 7.5 to 36000"},
+      {[] { InitFeatureTables(0, 360.0); }, "InitFeatureTables: marker is 0, expected not 0"},
+      {[] {
+         unsigned char m[1] = {4};
+         Fill<unsigned char>(m, 0, 1, 0, 0, 0, 0, 1, 1, 9, nullptr);
+       },
+       "Fill: width is 0, expected at least 1"},
+      {[] {
+         int b[4] = {};
+         ColorBinaryObjects<int>(b, 2, -2, 0, 0, 2, 2, 0, 1, 2, true, 9);
+       },
+       "ColorBinaryObjects: height is -2, expected not negative"},
+      {[] {
+         int b[4] = {1, 1, 1, 1};
+         FollowContour<int>(b, b, 2, 2, 0, 0, 2, 2, 1, nullptr, nullptr);
+         FollowContour<int>(b, b + 4, 2, 2, 0, 0, 2, 2, 1, nullptr, nullptr);
+       },
+       "FollowContour: start is 0x[0-9a-f]+, expected a pixel of buffer"},
+      {[] {
+         int b[4] = {};
+         FollowContour<int>(b, b, 0, 2, 0, 0, 2, 2, 1, nullptr, nullptr);
+       },
+       "FollowContour: width is 0, expected at least 1"},
+      {[] {
+         int labels[9] = {1, 1, 0, 1, 1}, values[9] = {0, 255, 300, 300, 7};
+         SFeature f;
+         unsigned char aborted;
+         MultiObjectFeatureExtract<int>(labels, 3, 3, 0, 0, 3, 3, values, 1, 1, &f,
+                                        static_cast<EFeaturesNeeded>(33), &aborted);
+       },
+       "MultiObjectFeatureExtract: values\\[3\\] is 300, expected 0 \\.\\. 255"},
+      {[] {
+         SFeature f;
+         unsigned char aborted;
+         MultiObjectFeatureExtract<int>(nullptr, -1, 2, 0, 0, 3, 2, nullptr, 1, 1, &f,
+                                        eFeatureBasic, &aborted);
+       },
+       "MultiObjectFeatureExtract: width is -1, expected not negative"},
+      {[] {
+         double table[1] = {50};
+         GetInterpolatedOverlayFactor(20, table, 1), GetInterpolatedOverlayFactor(20, table, 0);
+       },
+       "GetInterpolatedOverlayFactor: count is 0, expected at least 1"},
+      {[] {
+         unsigned char s[81] = {}, d[81] = {};
+         int t[49] = {};
+         SoftFrameL08toL08(s, d, 9, 9, t, 3, 0);
+       },
+       "SoftFrameL08toL08: frameWidth is 0, expected at least 1"},
+      {[] {
+         unsigned char s[81] = {}, d[81] = {};
+         int t[49] = {};
+         HardFrameL08toL08(s, d, 9, 9, t, 3, 3, true), HardFrameL08toL08(s, d, 9, 9, t, 3, 4, true);
+       },
+       "HardFrameL08toL08: frameWidth is 4, expected at most R \\(3\\)"},
+      {[] {
+         unsigned char s[81] = {}, d[81] = {};
+         int t[49] = {};
+         HardFrameDownL08toL08(s, d, 5, 9, t, 3, 2), HardFrameDownL08toL08(s, d, 4, 9, t, 3, 2);
+       },
+       "HardFrameDownL08toL08: width is 4, expected more than 2 \\* frameWidth \\(4\\)"},
   };
   for (const auto &e : errors) {
     EXPECT_DEATH(e.call(), std::string("Ostrel: caller error in ") + e.message);

@@ -2,7 +2,10 @@
 // and length) and the stopping rules; a disc's is in the features tests.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <climits>
 #include <cmath>
+#include <random>
 #include <utility>
 #include <vector>
 
@@ -74,6 +77,89 @@ TEST(ObjectsFollowContour, RegionExitAndRunawayGuard) {
   EXPECT_EQ(Trace<int>(16, 5, 2, 2, bar, &p, 0, 2, 16, 1), 17.0);
   EXPECT_EQ(p.size(), 18u);
   EXPECT_EQ(p.back(), std::make_pair(7, 2));
+}
+
+// Sizes up to INT_MAX: left + regionWidth and top + regionHeight are taken
+// in 64 bits (the whole bar: out 11, back 10). No pixels, or a start past the
+// buffer's end: no walk.
+TEST(ObjectsFollowContour, LargeRegionsEmptyBuffersStartOutside) {
+  std::vector<int> b(16 * 5, 0);
+  std::fill(b.begin() + 34, b.begin() + 46, 1);
+  int count = -1;
+  EXPECT_EQ(FollowContour<int>(b.data(), b.data() + 34, 16, 5, 1, 1, INT_MAX, INT_MAX, 1, nullptr,
+                               &count),
+            21.0);
+  CPoint out[4];
+  for (const auto &c : {std::make_pair(0, 5), std::make_pair(16, 0), std::make_pair(16, 2)}) {
+    count = -1;
+    EXPECT_EQ(
+        FollowContour<int>(b.data(), b.data() + 34, c.first, c.second, 0, 0, 16, 5, 1, out, &count),
+        0.0);
+    EXPECT_EQ(count, 0);
+  }
+  EXPECT_EQ(FollowContour<int>(b.data(), b.data() + 80, 16, 5, 0, 0, 16, 5, 0, out, &count), 0.0);
+  EXPECT_EQ(count, 0);
+}
+
+// Objects on the buffer's edges, traced in exact-size buffers: nothing above
+// the first row or below the last one is read. The first and the last row
+// are mirror images (right 3, back 2: 5); a column's walk down and up; from
+// (0, 1) the left neighbour is (3, 0) across the edge, and from there the
+// right one (0, 1) again, with the region reaching left of the buffer.
+TEST(ObjectsFollowContour, EdgesOfTheBuffer) {
+  const struct {
+    int sx, sy, left;
+    bool (*inside)(int x, int y);
+    double length;
+    Points points;
+  } cases[] = {
+      {0,
+       0,
+       0,
+       [](int, int y) { return y == 0; },
+       5.0,
+       {{0, 0}, {1, 0}, {2, 0}, {3, 0}, {2, 0}, {1, 0}}},
+      {0,
+       2,
+       0,
+       [](int, int y) { return y == 2; },
+       5.0,
+       {{0, 2}, {1, 2}, {2, 2}, {3, 2}, {2, 2}, {1, 2}}},
+      {0, 0, 0, [](int x, int) { return x == 0; }, 3.0, {{0, 0}, {0, 1}, {0, 2}, {0, 1}}},
+      {0, 0, 0, [](int x, int y) { return x + y == 0; }, 0.0, {}},
+      {3, 2, 0, [](int x, int y) { return x + y == 5; }, 0.0, {}},
+      {0,
+       1,
+       -5,
+       [](int x, int y) { return (x == 0 && y == 1) || (x == 3 && y == 0); },
+       1.0,
+       {{0, 1}, {-1, 1}}},
+  };
+  Points p;
+  for (const auto &c : cases) {
+    EXPECT_EQ(Trace<unsigned char>(4, 3, c.sx, c.sy, c.inside, &p, c.left, 0, 20, 3), c.length);
+    EXPECT_EQ(p, c.points) << c.sx << "," << c.sy;
+    EXPECT_EQ(Trace<int>(4, 3, c.sx, c.sy, c.inside, &p, c.left, 0, 20, 3), c.length);
+  }
+}
+
+// From every pixel of random masks, with a region that never stops it, the
+// walk comes back to its start: it stops with fewer points than 8 per pixel.
+TEST(ObjectsFollowContour, EveryWalkCloses) {
+  std::mt19937 rng(3);
+  for (int i = 0; i < 400; ++i) {
+    const int w = 1 + rng() % 8, h = 1 + rng() % 8;
+    std::vector<unsigned char> b(w * h);
+    for (auto &v : b) v = rng() % 4 != 0;
+    std::vector<CPoint> out(8 * w * h + 16);
+    for (int s = 0; s < w * h; ++s) {
+      if (b[s] == 0) continue;
+      int count = -1;
+      FollowContour<unsigned char>(b.data(), b.data() + s, w, h, -1000, -1000, 3000, 3000, 1,
+                                   out.data(), &count);
+      ASSERT_LT(count, 8 * w * h - 6) << i << " " << s;
+    }
+  }
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // Escape abort, temporaries returned, and the overlay factor.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 #include <cstdlib>
 #include <vector>
@@ -46,6 +47,7 @@ TEST(ObjectsFeatures, RectanglesCountsCentroidsPerimetersHistograms) {
   unsigned char aborted = 9;
   const int needed = eFeatureBasic | eFeatureCentroid | eFeatureHistogram;
   EXPECT_EQ(Extract(labels, w, h, 0, values.data(), 3, 3, nullptr, needed, &aborted), -1);
+  EXPECT_EQ(Extract(labels, w, h, 0, values.data(), 3, 3, f.data(), needed, nullptr), -1);
   EXPECT_EQ(Extract(labels, w, h, 0, values.data(), 3, 0, f.data(), needed, &aborted), 0);
   ASSERT_EQ(Extract(labels, w, h, 0, values.data(), 3, 3, f.data(), needed, &aborted), 0);
   // count, centroid x and y, perimeter (the closing contour step uncounted)
@@ -120,6 +122,48 @@ TEST(ObjectsFeatures, OrientationWorkedExamples) {
   EXPECT_DEATH(Extract(labels, 10, 10, 0, labels.data(), 1, 1, &f, all, &aborted), "");
 }
 
+// angleSteps from 7.5 (N = 8, E = 1) to 36000; a refused call leaves no
+// tables behind and no marker, so the next good one builds them. A 3 x 2
+// object in a 6 x 6 byte buffer at both bounds: offsets (1, 0.5) twice and
+// (0, 0.5) four times. N = 8 leaves the window no bins (N / 10 = 0), so
+// every start weighs 0 and the first wins: -pi. At N = 36000 the two bins
+// are 2657 and 2E = 9000, and the first window s-3600 .. s+3599 holding both
+// starts at 5401.
+TEST(ObjectsFeatures, AngleStepsRangeAndBothBounds) {
+  for (const double steps :
+       {std::nextafter(7.5, 0.0), 4.0, 0.4, 0.0, -8.0, std::nextafter(36000.0, 1e9), 1e300,
+        HUGE_VAL, -HUGE_VAL, std::nan("")})
+    EXPECT_EQ(InitFeatureTables(1, steps), -1) << steps;
+  EXPECT_EQ(InitFeatureTables(0, 360.0), -1);
+  std::vector<unsigned char> labels(36, 0);
+  for (int i : {7, 8, 9, 13, 14, 15}) labels[i] = 1;
+  SFeature f;
+  unsigned char aborted;
+  for (const double steps : {7.5, 36000.0}) {
+    ASSERT_EQ(InitFeatureTables(1, steps), 0) << steps;
+    ASSERT_EQ(
+        MultiObjectFeatureExtract<unsigned char>(labels.data(), 6, 6, 0, 0, 6, 6, labels.data(), 1,
+                                                 1, &f, static_cast<EFeaturesNeeded>(7), &aborted),
+        0);
+    EXPECT_DOUBLE_EQ(f.orientation, steps < 10 ? -kPi : 5401 / (steps / (2 * kPi)) - kPi);
+    EXPECT_EQ(ReleaseFeatureTables(), 0);
+  }
+}
+
+// A one-pixel object at (0, 0) of an exact-size buffer: its contour reads
+// nothing before the buffer.
+TEST(ObjectsFeatures, ObjectInTheFirstRow) {
+  std::vector<unsigned char> labels(4 * 3, 0);
+  labels[0] = 1;
+  SFeature f;
+  unsigned char aborted;
+  ASSERT_EQ(MultiObjectFeatureExtract<unsigned char>(labels.data(), 4, 3, 0, 0, 4, 3, labels.data(),
+                                                     1, 1, &f, eFeatureBasic, &aborted),
+            0);
+  EXPECT_EQ(f.pixelCount, 1);
+  EXPECT_EQ(f.perimeter, 0.0);
+}
+
 int g_polls = 0, g_pressAfter = 0;
 int PressAfterPolls(int key) {
   EXPECT_EQ(key, 27);
@@ -135,6 +179,7 @@ class CountingMemMgr final : public IMemMgr {
   unsigned long VORNEL_STDCALL AddRef() override { return 1; }
   unsigned long VORNEL_STDCALL Release() override { return 1; }
   VornelStatus VORNEL_STDCALL Allocate(std::size_t size, void **block) override {
+    ++requests;
     return (*block = failing ? nullptr : std::malloc(size)) == nullptr ? kVornelOutOfMemory
                                                                        : (++out, kVornelOk);
   }
@@ -143,7 +188,7 @@ class CountingMemMgr final : public IMemMgr {
     return kVornelOk;
   }
   VornelStatus VORNEL_STDCALL GetMemorySize(unsigned int *m) override { return *m = 64, kVornelOk; }
-  int out = 0;
+  int out = 0, requests = 0;
   bool failing = false;
 };
 
@@ -173,6 +218,38 @@ TEST(ObjectsFeatures, EscapeAbortsAndTemporariesGoBack) {
   DllSetMemMgr(previous);
 }
 
+// Values outside 0 .. 255 under an object have no bin and are not counted;
+// an object count whose doubles size_t cannot hold (32-bit builds) asks the
+// memory manager for nothing; a width of INT_MIN clamps no region.
+TEST(ObjectsFeatures, ValuesOutsideTheHistogramAndHugeCounts) {
+  std::vector<int> labels = Labels(4, 3, {{0, 0, 3, 2, 1}}), values = {-1, 256, 300, 0, 7, 255, 7};
+  values.resize(12);
+  std::vector<SFeature> f(1);
+  unsigned char aborted;
+  ASSERT_EQ(Extract(labels, 4, 3, 0, values.data(), 1, 1, f.data(),
+                    eFeatureBasic | eFeatureHistogram, &aborted),
+            0);
+  int counted = 0;
+  for (int v = 0; v < 256; ++v) counted += f[0].histogram[v];
+  EXPECT_EQ(counted, 3);
+  EXPECT_EQ(f[0].histogram[7], 2);
+  EXPECT_EQ(f[0].histogram[255], 1);
+  CountingMemMgr manager;
+  manager.failing = true;
+  IMemMgr *previous = DllSetMemMgr(&manager);
+  EXPECT_EQ(MultiObjectFeatureExtract<int>(labels.data(), 4, 3, 0, 0, 4, 3, values.data(), 1,
+                                           INT_MAX, f.data(), eFeatureBasic, &aborted),
+            -1);
+  if (sizeof(std::size_t) < 8) { EXPECT_EQ(manager.requests, 0); }
+  DllSetMemMgr(previous);
+  EXPECT_EQ(MultiObjectFeatureExtract<int>(labels.data(), INT_MIN, 3, 0, 0, 4, 3, values.data(), 1,
+                                           1, f.data(), eFeatureBasic, &aborted),
+            0);
+  EXPECT_EQ(f[0].pixelCount, 0);
+}
+
+// An empty table is not read; (count - 1) * 100 is taken in 64 bits, so a
+// table of 21474838 entries interpolates as a short one does.
 TEST(ObjectsFeatures, InterpolatedOverlayFactor) {
   double two[] = {0, 100}, four[] = {10, 40, 40, 100};
   EXPECT_FLOAT_EQ(GetInterpolatedOverlayFactor(50, two, 2), 0.5f);
@@ -182,6 +259,15 @@ TEST(ObjectsFeatures, InterpolatedOverlayFactor) {
   } cases[] = {{-5, .1f}, {0, .1f}, {25, .175f}, {150, .4f}, {250, .7f}, {300, 1}, {999, 1}};
   for (const auto &c : cases)
     EXPECT_FLOAT_EQ(GetInterpolatedOverlayFactor(c.value, four, 4), c.factor) << c.value;
+  EXPECT_EQ(GetInterpolatedOverlayFactor(50, nullptr, 0), 0.0f);
+  EXPECT_EQ(GetInterpolatedOverlayFactor(-5, nullptr, -3), 0.0f);
+  std::vector<double> steps(21474838);
+  for (std::size_t i = 0; i < steps.size(); ++i) steps[i] = 10.0 * i;
+  EXPECT_FLOAT_EQ(GetInterpolatedOverlayFactor(150, steps.data(), 4), .15f);
+  for (const int value : {150, 250})
+    EXPECT_EQ(GetInterpolatedOverlayFactor(value, steps.data(), 21474838),
+              GetInterpolatedOverlayFactor(value, steps.data(), 4))
+        << value;
 }
 
 }  // namespace

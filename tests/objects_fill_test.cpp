@@ -2,10 +2,17 @@
 // worked examples of the quirks random masks rarely reach.
 #include <gtest/gtest.h>
 
+#include <climits>
+#include <cstdint>
 #include <random>
 #include <vector>
 
 #include "Ostrel.h"
+#include "objects/objects.h"
+
+#ifdef __unix__
+#include <sys/mman.h>
+#endif
 
 namespace {
 
@@ -111,5 +118,47 @@ TEST(ObjectsFillAndLabels, FillWithSeedValueAndByteLabelWrap) {
   for (int x = 0; x < w - 1; x += 2) row[x] = 1;
   EXPECT_EQ(ColorBinaryObjects<unsigned char>(row.data(), w, 2, 0, 0, w, 2, 0, 1, 7, true, 7), 254);
 }
+
+// No pixels, no fill: width 0 leaves the buffer and the count of 1; a width
+// of INT_MIN clamps no region. Counts past INT_MAX stay at INT_MAX.
+TEST(ObjectsFillAndLabels, EmptyBuffersAndSaturatedCounts) {
+  std::vector<unsigned char> one(1, 4);
+  int changed = -1;
+  EXPECT_EQ(Fill<unsigned char>(one.data(), 0, 1, 0, 0, 0, 0, 1, 1, 9, &changed), 0);
+  EXPECT_EQ(Fill<unsigned char>(one.data(), 1, INT_MIN, 0, 0, 0, 0, 1, 1, 9, nullptr), 0);
+  EXPECT_EQ(changed, 1);
+  EXPECT_EQ(one[0], 4);
+  EXPECT_EQ(ColorBinaryObjects<unsigned char>(one.data(), INT_MIN, 1, 0, 0, 1, 1, 0, 4, 7, true, 9),
+            0);
+  using ostrel::objects::SaturatedCount;
+  EXPECT_EQ(SaturatedCount(2), 2);
+  EXPECT_EQ(SaturatedCount(INT_MAX), INT_MAX);
+  EXPECT_EQ(SaturatedCount(std::uint64_t{1} << 31), INT_MAX);
+  EXPECT_EQ(SaturatedCount((std::uint64_t{1} << 32) + 5), INT_MAX);
+  int n = INT_MAX - 1;
+  ostrel::objects::CountUp(n), ostrel::objects::CountUp(n);
+  EXPECT_EQ(n, INT_MAX);
+}
+
+#ifdef __unix__
+// A buffer INT_MAX wide, two rows reserved and only the pages at their ends
+// touched: the run in the last column, scanned again in the row below, ends
+// the scan there (the next column to look at would be INT_MAX + 1).
+TEST(ObjectsFillAndLabels, LastColumnOfABufferIntMaxWide) {
+  if (sizeof(void *) < 8) GTEST_SKIP() << "needs 4 GiB of address space";
+  const int w = INT_MAX;
+  const std::size_t size = 2 * static_cast<std::size_t>(w);
+  void *m = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE,
+                 -1, 0);
+  if (m == MAP_FAILED) GTEST_SKIP() << "no 4 GiB mapping";
+  unsigned char *b = static_cast<unsigned char *>(m);
+  b[w - 1] = b[size - 1] = 1;
+  int changed = -1;
+  EXPECT_EQ(Fill<unsigned char>(b, w, 2, w - 1, 0, 0, 0, w, 2, 7, &changed), 0);
+  EXPECT_EQ(changed, 3);
+  EXPECT_EQ(b[w - 1] + b[size - 1] + b[w - 2] + b[size - 2], 14);
+  munmap(m, size);
+}
+#endif
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <random>
 #include <vector>
 
@@ -64,6 +65,27 @@ TEST(ObjectsFrames, SymmetricMasksGiveSymmetricFrames) {
     for (unsigned int i = 0; i < w * h; ++i)
       ASSERT_EQ(dst[i], dst[i - i % w + w - 1 - i % w]) << op;
   }
+}
+
+// Frame widths of 0 or above R, and buffers not wider or higher than twice
+// the frame width (1 x 9 under a width of 2 among them), write nothing. A
+// table whose size size_t cannot hold fails as an allocation does.
+TEST(ObjectsFrames, UnfitArgumentsWriteNothing) {
+  Table table(CreateDistTableForSoftFrame(3));
+  const struct {
+    unsigned int width, height, frameWidth;
+  } cases[] = {{9, 9, 0}, {9, 9, 4}, {1, 9, 2}, {9, 4, 2}, {6, 9, 3}};
+  for (const auto &c : cases) {
+    Bytes src(c.width * c.height, 0), dst(c.width * c.height, 17);
+    src[src.size() / 2] = 200;
+    SoftFrameL08toL08(src.data(), dst.data(), c.width, c.height, table.get(), 3, c.frameWidth);
+    HardFrameL08toL08(src.data(), dst.data(), c.width, c.height, table.get(), 3, c.frameWidth,
+                      true);
+    HardFrameDownL08toL08(src.data(), dst.data(), c.width, c.height, table.get(), 3, c.frameWidth);
+    EXPECT_EQ(dst, Bytes(c.width * c.height, 17))
+        << c.width << "x" << c.height << " " << c.frameWidth;
+  }
+  EXPECT_THROW(CreateDistTableForSoftFrame(1u << 31), std::bad_alloc);
 }
 
 // Includes the frame's distance from the edges, the fade to 0 of small

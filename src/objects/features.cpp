@@ -1,8 +1,10 @@
 // Multi-object feature extraction: per-object pixel count, centroid,
 // orientation, perimeter, roundness and histogram in one pass over a label
 // buffer, with the module-wide angle tables that the orientation needs.
+#include <climits>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <new>
 
@@ -46,6 +48,18 @@ struct FeatureTables {
 
 FeatureTables g_tables;
 
+// The angleSteps InitFeatureTables accepts. Below 7.5, N is under 8 and E =
+// N / 8 is 0: the angle table's atan(i / E) is 0 / 0 and, below 0.5, N = 0
+// leaves the window search without bins. The upper bound, a hundredth of a
+// degree per bin, keeps the tables small and the window search (about
+// N * N / 5 additions per object) within reason. NaN fails both tests.
+const double kMinAngleSteps = 7.5;
+const double kMaxAngleSteps = 36000.0;
+
+bool AcceptedAngleSteps(double angleSteps) {
+  return angleSteps >= kMinAngleSteps && angleSteps <= kMaxAngleSteps;
+}
+
 bool EscapePressed() { return frame::platform::KeyPressed(frame::platform::kVirtualKeyEscape); }
 
 // Index of an object label from firstLabel: bytes compared as unsigned
@@ -56,6 +70,10 @@ int LabelIndex(unsigned char label, unsigned char firstLabel) {
 int LabelIndex(int label, int firstLabel) {
   return static_cast<int>(static_cast<unsigned int>(label) - static_cast<unsigned int>(firstLabel));
 }
+// Whether a value has a histogram bin, 0 .. 255; every byte has one.
+bool InHistogram(unsigned char) { return true; }
+bool InHistogram(int value) { return value >= 0 && value <= 255; }
+
 unsigned char ObjectLabel(int k, unsigned char firstLabel) {
   return static_cast<unsigned char>(firstLabel + k);
 }
@@ -77,15 +95,18 @@ class Temporaries {
   }
 
   bool Obtain(int objectCount, bool sums) {
+    // The largest block, objectCount doubles, must have a size that size_t
+    // holds (in 32-bit builds it need not): nothing is asked for otherwise.
+    const std::size_t n = static_cast<std::size_t>(objectCount);
+    if (n > SIZE_MAX / sizeof(double)) return false;
     manager_ = DllGetMemMgr();
     if (manager_ == nullptr) return false;
-    const std::size_t n = static_cast<std::size_t>(objectCount);
     if (!Cleared(n, &done) || !Cleared(n, &counter)) return false;
     return !sums || (Cleared(n, &sumX) && Cleared(n, &sumY));
   }
 
   unsigned char *done = nullptr;
-  int *counter = nullptr;
+  std::int64_t *counter = nullptr;
   double *sumX = nullptr;
   double *sumY = nullptr;
 
@@ -154,14 +175,13 @@ double HeaviestDirection() {
 // The orientation of every object. The offsets take the region's column and
 // row against the centroid in buffer coordinates, so a region away from the
 // origin shifts them by left and top; hosts' results depend on that too.
-// Returns false on Escape.
+// Returns false on Escape. Without tables it stops the process as the
+// division by N would.
 template <class T>
-bool MeasureOrientations(const char *function, const T *labels, int width, const ClampedRegion &r,
-                         T firstLabel, int objectCount, SFeature *features) {
+bool MeasureOrientations(const T *labels, int width, const ClampedRegion &r, T firstLabel,
+                         int objectCount, SFeature *features) {
   FeatureTables &t = g_tables;
-  OSTREL_EXPECT(function, "featuresNeeded", "orientation bits", t.accumulator != nullptr && t.n > 0,
-                "InitFeatureTables to have succeeded first");
-  if (t.accumulator == nullptr || t.n <= 0) frame::platform::RaiseIntegerDivideFault();
+  if (t.accumulator == nullptr) frame::platform::RaiseIntegerDivideFault();
   for (int k = 0; k < objectCount; ++k) {
     if (EscapePressed()) return false;
     for (int b = 0; b <= t.n; ++b) t.accumulator[b] = 0.0;
@@ -192,17 +212,21 @@ namespace frame = ostrel::frame;
 namespace objects = ostrel::objects;
 
 int InitFeatureTables(int marker, double angleSteps) {
+  OSTREL_EXPECT(__func__, "marker", marker, marker != 0, "not 0");
+  OSTREL_EXPECT(__func__, "angleSteps", angleSteps, objects::AcceptedAngleSteps(angleSteps),
+                "from 7.5 to 36000");
+  // Refused before anything changes: tables built before stay, and without
+  // them the marker stays 0, so a later call with good arguments builds them.
+  if (marker == 0 || !objects::AcceptedAngleSteps(angleSteps)) return -1;
   objects::FeatureTables &t = objects::g_tables;
   if (t.marker != 0) return -1;
   t.marker = marker;
-  t.n = frame::TruncToInt32(angleSteps + 0.5);
+  t.n = frame::TruncToInt32(angleSteps + 0.5);  // 8 .. 36000
   t.scale = angleSteps / (2.0 * objects::kPi);
-  t.e = frame::TruncToInt32(t.n * 0.125);
+  t.e = frame::TruncToInt32(t.n * 0.125);  // 1 .. 4500
   t.Free();
-  if (t.e >= 0 && t.n >= 0) {
-    t.angle = new (std::nothrow) int[static_cast<std::size_t>(t.e) + 1];
-    t.accumulator = new (std::nothrow) double[static_cast<std::size_t>(t.n) + 1];
-  }
+  t.angle = new (std::nothrow) int[static_cast<std::size_t>(t.e) + 1];
+  t.accumulator = new (std::nothrow) double[static_cast<std::size_t>(t.n) + 1];
   if (t.angle == nullptr || t.accumulator == nullptr) {
     // The marker stays: further calls fail until the tables are released.
     t.Free();
@@ -231,6 +255,9 @@ template <typename T>
 int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int top, int regionWidth,
                               int regionHeight, T *values, T firstLabel, int objectCount,
                               SFeature *features, EFeaturesNeeded needed, unsigned char *aborted) {
+  OSTREL_EXPECT(__func__, "width", width, width >= 0, "not negative");
+  OSTREL_EXPECT(__func__, "height", height, height >= 0, "not negative");
+  if (aborted == nullptr) return -1;
   *aborted = 0;
   if (features == nullptr) return -1;
   if (objectCount <= 0) return 0;
@@ -240,6 +267,11 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
   const bool centroid = basic && (needed & eFeatureCentroid) != 0;
   const bool orientation = centroid && (needed & eFeatureOrientation) != 0;
   const bool histogram = basic && (needed & eFeatureHistogram) != 0;
+  // Tables built by InitFeatureTables always hold N >= 8 bins, so their
+  // presence is all the orientation needs.
+  OSTREL_EXPECT(__func__, "needed", static_cast<int>(needed),
+                !orientation || objects::g_tables.accumulator != nullptr,
+                "no eFeatureOrientation before InitFeatureTables has built the angle tables");
 
   objects::Temporaries tmp;
   if (!tmp.Obtain(objectCount, centroid)) return -1;
@@ -264,7 +296,13 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
         tmp.sumX[k] += c + 0.5;
         tmp.sumY[k] += row + 0.5;
       }
-      if (histogram) ++features[k].histogram[v[c]];
+      if (histogram) {
+#if OSTREL_CHECKED
+        if (!objects::InHistogram(v[c]))
+          objects::ReportElement(__func__, "values", rowStart + c, v[c], "0 .. 255");
+#endif
+        if (objects::InHistogram(v[c])) objects::CountUp(features[k].histogram[v[c]]);
+      }
       if (!tmp.done[k]) {
         // The object's first pixel in raster order starts its contour.
         features[k].perimeter =
@@ -278,8 +316,8 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
 
   for (int k = 0; k < objectCount; ++k) {
     SFeature &f = features[k];
-    const int count = tmp.counter[k];
-    f.pixelCount = count;
+    const std::int64_t count = tmp.counter[k];
+    f.pixelCount = objects::SaturatedCount(static_cast<std::uint64_t>(count));
     // An object without pixels divides by zero here; its roundness is not
     // a number then.
     f.roundness = f.perimeter / (2.0 * objects::kPi * std::sqrt(count / objects::kPi));
@@ -293,8 +331,7 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
   }
 
   if (orientation) {
-    if (!objects::MeasureOrientations(__func__, labels, width, r, firstLabel, objectCount,
-                                      features)) {
+    if (!objects::MeasureOrientations(labels, width, r, firstLabel, objectCount, features)) {
       *aborted = 1;
       return -1;
     }
@@ -305,11 +342,13 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
 }
 
 float GetInterpolatedOverlayFactor(int value, double *table, int count) {
+  OSTREL_EXPECT(__func__, "count", count, count >= 1, "at least 1");
+  if (count < 1) return 0.0f;  // an empty table is not read
   const auto percent = [table](int i) { return static_cast<float>(table[i] / 100); };
+  const std::int64_t last = count - 1, end = last * 100;  // past INT_MAX for large counts
   if (value <= 0) return percent(0);
-  if (value >= (count - 1) * 100) return percent(count - 1);
-  const float pos = static_cast<float>(value) / static_cast<float>((count - 1) * 100) *
-                    static_cast<float>(count - 1);
+  if (value >= end) return percent(count - 1);
+  const float pos = static_cast<float>(value) / static_cast<float>(end) * static_cast<float>(last);
   int lo = count - 1;
   while (static_cast<float>(lo) > pos) --lo;
   int hi = 0;

@@ -1,4 +1,6 @@
 // Flood fill and object labelling (Fill, ColorBinaryObjects).
+#include <cstdint>
+
 #include "Ostrel.h"
 #include "frame/checked.h"
 #include "objects/objects.h"
@@ -26,6 +28,10 @@ namespace objects = ostrel::objects;
 template <typename T>
 int Fill(T *buffer, int width, int height, int seedX, int seedY, int left, int top, int regionWidth,
          int regionHeight, T fillValue, int *changedCount) {
+  OSTREL_EXPECT(__func__, "width", width, width >= 1, "at least 1");
+  OSTREL_EXPECT(__func__, "height", height, height >= 1, "at least 1");
+  if (changedCount != nullptr) *changedCount = 1;
+  if (width < 1 || height < 1) return 0;  // no pixel to seed at
   // The seed moves into the buffer, not into the region.
   if (seedX < 0 || seedX > width - 1) seedX = seedX < 0 ? 0 : width - 1;
   if (seedY < 0 || seedY > height - 1) seedY = seedY < 0 ? 0 : height - 1;
@@ -36,7 +42,6 @@ int Fill(T *buffer, int width, int height, int seedX, int seedY, int left, int t
   limits.bottom = limits.top + objects::ClampInt(regionHeight, 0, height - 1 - limits.top);
 
   const T target = buffer[static_cast<std::ptrdiff_t>(seedY) * width + seedX];
-  if (changedCount != nullptr) *changedCount = 1;
   // Filling a region with its own value would change nothing.
   OSTREL_EXPECT(__func__, "fillValue", fillValue, fillValue != target,
                 "a value other than the seed pixel's");
@@ -44,7 +49,7 @@ int Fill(T *buffer, int width, int height, int seedX, int seedY, int left, int t
 
   objects::FillEngine<T> engine;
   const std::size_t filled = engine.Fill(buffer, width, seedX, seedY, limits, target, fillValue);
-  if (changedCount != nullptr) *changedCount += static_cast<int>(filled);
+  if (changedCount != nullptr) *changedCount = objects::SaturatedCount(std::uint64_t{1} + filled);
   return 0;
 }
 
@@ -52,6 +57,8 @@ template <typename T>
 int ColorBinaryObjects(T *buffer, int width, int height, int left, int top, int regionWidth,
                        int regionHeight, T backgroundValue, T objectValue, T firstLabel,
                        bool ascending, int endLabel) {
+  OSTREL_EXPECT(__func__, "width", width, width >= 0, "not negative");
+  OSTREL_EXPECT(__func__, "height", height, height >= 0, "not negative");
   const objects::ClampedRegion r =
       objects::ClampRegion(width, height, left, top, regionWidth, regionHeight);
   if (r.height < 1) return 0;
@@ -61,7 +68,7 @@ int ColorBinaryObjects(T *buffer, int width, int height, int left, int top, int 
 
   objects::FillEngine<T> engine;
   T label = firstLabel;
-  int count = 0;
+  std::int64_t count = 0;
   for (int y = r.top; y < r.top + r.height; ++y) {
     T *row = buffer + static_cast<std::ptrdiff_t>(y) * width + r.left;
     // The column c counts fills and plain pixels; the read position also
@@ -80,10 +87,12 @@ int ColorBinaryObjects(T *buffer, int width, int height, int left, int top, int 
         ++c;
       }
       label = objects::StepLabel(label, ascending);
-      if (ascending ? static_cast<int>(label) == endLabel : label == 1) return count;
+      if (ascending ? static_cast<int>(label) == endLabel : label == 1) {
+        return objects::SaturatedCount(static_cast<std::uint64_t>(count));
+      }
     }
   }
-  return count;
+  return objects::SaturatedCount(static_cast<std::uint64_t>(count));
 }
 
 template OSTREL_API int Fill<unsigned char>(unsigned char *buffer, int width, int height, int seedX,

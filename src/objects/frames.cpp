@@ -2,9 +2,13 @@
 // an L08 mask from a table of rounded distances.
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <new>
 
 #include "Ostrel.h"
+#include "frame/checked.h"
 #include "frame/numeric.h"
+#include "objects/objects.h"
 
 namespace ostrel {
 namespace objects {
@@ -20,7 +24,8 @@ void ForEachFramePixel(unsigned char *centre, unsigned int stride, const int *ta
   const std::ptrdiff_t side = 2 * static_cast<std::ptrdiff_t>(R) + 1;
   const int *tableCentre = table + static_cast<std::ptrdiff_t>(R) * side + R;
   for (int dy = -fw; dy <= fw; ++dy) {
-    unsigned char *row = centre + static_cast<std::ptrdiff_t>(dy) * stride;
+    unsigned char *row =
+        centre + static_cast<std::ptrdiff_t>(dy) * static_cast<std::ptrdiff_t>(stride);
     const int *distances = tableCentre + dy * side;
     for (int dx = -fw; dx <= fw; ++dx) {
       const int d = distances[dx];
@@ -50,6 +55,22 @@ void ForEachBoundaryPixel(const unsigned char *src, unsigned int width, unsigned
   }
 }
 
+// Whether a frame call has pixels to work on: 1 <= frameWidth <= R (the
+// table reaches frameWidth round its centre) and width, height above
+// 2 * frameWidth (the tested pixels and their frames lie inside the
+// buffer). The checked build reports the first that fails.
+bool FrameFits(const char *function, unsigned int width, unsigned int height, unsigned int R,
+               unsigned int frameWidth) {
+  const std::uint64_t twice = 2 * std::uint64_t{frameWidth};
+  OSTREL_EXPECT(function, "frameWidth", frameWidth, frameWidth >= 1, "at least 1");
+#if OSTREL_CHECKED
+  if (frameWidth > R) ReportBound(function, "frameWidth", frameWidth, "at most R", R);
+  if (width <= twice) ReportBound(function, "width", width, "more than 2 * frameWidth", twice);
+  if (height <= twice) ReportBound(function, "height", height, "more than 2 * frameWidth", twice);
+#endif
+  return frameWidth >= 1 && frameWidth <= R && width > twice && height > twice;
+}
+
 }  // namespace
 }  // namespace objects
 }  // namespace ostrel
@@ -58,7 +79,11 @@ namespace frame = ostrel::frame;
 namespace objects = ostrel::objects;
 
 int *CreateDistTableForSoftFrame(unsigned int R) {
-  const std::size_t side = 2 * static_cast<std::size_t>(R) + 1;
+  // side * side entries, whose size in bytes must fit in size_t: beyond, the
+  // product would wrap to a smaller table than the loop fills.
+  const std::uint64_t side64 = 2 * std::uint64_t{R} + 1;
+  if (side64 > SIZE_MAX / sizeof(int) / side64) throw std::bad_array_new_length();
+  const std::size_t side = static_cast<std::size_t>(side64);
   int *table = new int[side * side];
   const long long r = R;
   int *entry = table;
@@ -73,6 +98,7 @@ int *CreateDistTableForSoftFrame(unsigned int R) {
 void SoftFrameL08toL08(unsigned char *src, unsigned char *dst, unsigned int width,
                        unsigned int height, int *distTable, unsigned int R,
                        unsigned int frameWidth) {
+  if (!objects::FrameFits(__func__, width, height, R, frameWidth)) return;
   const int fw = static_cast<int>(frameWidth);
   objects::ForEachBoundaryPixel(src, width, height, frameWidth, false, [&](std::size_t i) {
     const int s = src[i];
@@ -88,6 +114,7 @@ void SoftFrameL08toL08(unsigned char *src, unsigned char *dst, unsigned int widt
 void HardFrameL08toL08(unsigned char *src, unsigned char *dst, unsigned int width,
                        unsigned int height, int *distTable, unsigned int R, unsigned int frameWidth,
                        bool fullValue) {
+  if (!objects::FrameFits(__func__, width, height, R, frameWidth)) return;
   objects::ForEachBoundaryPixel(src, width, height, frameWidth, false, [&](std::size_t i) {
     const unsigned char v = fullValue ? 255 : src[i];
     objects::ForEachFramePixel(dst + i, width, distTable, R, frameWidth,
@@ -100,6 +127,7 @@ void HardFrameL08toL08(unsigned char *src, unsigned char *dst, unsigned int widt
 void HardFrameDownL08toL08(unsigned char *src, unsigned char *dst, unsigned int width,
                            unsigned int height, int *distTable, unsigned int R,
                            unsigned int frameWidth) {
+  if (!objects::FrameFits(__func__, width, height, R, frameWidth)) return;
   objects::ForEachBoundaryPixel(src, width, height, frameWidth, true, [&](std::size_t i) {
     objects::ForEachFramePixel(dst + i, width, distTable, R, frameWidth,
                                [](unsigned char &t, int) { t = 0; });

@@ -3,17 +3,69 @@
 #ifndef OSTREL_OBJECTS_OBJECTS_H
 #define OSTREL_OBJECTS_OBJECTS_H
 
+#include <climits>
 #include <cstddef>
+#include <cstdint>
+#include <cstdio>
 #include <vector>
+
+#include "frame/checked.h"
 
 namespace ostrel {
 namespace objects {
 
 inline int ClampInt(int v, int lo, int hi) { return v < lo ? lo : (v > hi ? hi : v); }
 
+// A count returned as an int: n itself, or INT_MAX when n does not fit.
+inline int SaturatedCount(std::uint64_t n) {
+  return n > static_cast<std::uint64_t>(INT_MAX) ? INT_MAX : static_cast<int>(n);
+}
+
+// Adds one to a count that stops at INT_MAX.
+inline void CountUp(int &n) {
+  if (n != INT_MAX) ++n;
+}
+
+#if OSTREL_CHECKED
+// Reports an element of a buffer argument as "name[index] is value,
+// expected ...", for the checked build.
+[[noreturn]] inline void ReportElement(const char *function, const char *name, std::int64_t index,
+                                       frame::ArgValue value, const char *expected) {
+  char argument[64];
+  std::snprintf(argument, sizeof argument, "%s[%lld]", name, static_cast<long long>(index));
+  frame::ReportCallerError(function, frame::ArgName{argument, ""}, value, expected);
+}
+
+// Reports an argument whose bound derives from others as "name is value,
+// expected <what> (<bound>)", for the checked build.
+[[noreturn]] inline void ReportBound(const char *function, const char *name, frame::ArgValue value,
+                                     const char *what, std::uint64_t bound) {
+  char expected[96];
+  std::snprintf(expected, sizeof expected, "%s (%llu)", what,
+                static_cast<unsigned long long>(bound));
+  frame::ReportCallerError(function, frame::ArgName{name, ""}, value, expected);
+}
+#endif
+
+// The index of p in a width x height buffer, or -1 when p is not one of its
+// pixels (also when the buffer has none). Taken from the addresses, so that
+// a pointer outside the buffer is seen without forming one from the other.
+template <class T>
+std::int64_t PixelIndex(const T *buffer, const T *p, int width, int height) {
+  if (width < 1 || height < 1) return -1;
+  const std::uintptr_t first = reinterpret_cast<std::uintptr_t>(buffer);
+  const std::uintptr_t at = reinterpret_cast<std::uintptr_t>(p);
+  if (at < first || (at - first) % sizeof(T) != 0) return -1;
+  const std::uint64_t i = (at - first) / sizeof(T);
+  return i < static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height)
+             ? static_cast<std::int64_t>(i)
+             : -1;
+}
+
 // A region clamped into a width x height buffer: left and top into the
 // buffer, the sizes into 0 .. width-1-left and 0 .. height-1-top. Taken as
-// counts, the sizes never reach the buffer's last column or row.
+// counts, the sizes never reach the buffer's last column or row. A buffer
+// without pixels (width or height below 1) gives an empty region at 0, 0.
 struct ClampedRegion {
   int left;
   int top;
@@ -23,7 +75,8 @@ struct ClampedRegion {
 
 inline ClampedRegion ClampRegion(int bufferWidth, int bufferHeight, int left, int top,
                                  int regionWidth, int regionHeight) {
-  ClampedRegion r;
+  ClampedRegion r = {0, 0, 0, 0};
+  if (bufferWidth < 1 || bufferHeight < 1) return r;
   r.left = ClampInt(left, 0, bufferWidth - 1);
   r.top = ClampInt(top, 0, bufferHeight - 1);
   r.width = ClampInt(regionWidth, 0, bufferWidth - 1 - r.left);
@@ -113,7 +166,11 @@ class FillEngine {
         push(s.y + s.dy, l, r, s.dy);
         if (l < s.x1 - 1) push(s.y - s.dy, l, s.x1 - 2, -s.dy);
         if (r > s.x2 + 1) push(s.y - s.dy, s.x2 + 2, r, -s.dy);
-        i = r + 2;  // r + 1 is not of the target value, or past the limits
+        // r + 1 is not of the target value, or past the limits. A run that
+        // reaches the parent's end ends the scan here: r + 2 would pass
+        // INT_MAX at the last column of a buffer INT_MAX wide.
+        if (r >= s.x2) break;
+        i = r + 2;
       }
     }
     return filled;
