@@ -85,6 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   u32 cols = Span(dw, dl, dstOnly ? rw : Span(sw, sl, rw));
   u32 rows = Span(dh, dt, dstOnly ? rh : Span(sh, st, rh));
   if (member.clip == kMotion && (dl >= dw || dt >= dh || sl >= sw || st >= sh)) cols = rows = 0;
+  if (cols == 0 || rows == 0) cols = rows = 0;  // no columns, no rows (nor words right of them)
   const u32 al = in.In<u32>(0, 6), at = in.In<u32>(0, 3), aw = al + cols + in.In<u32>(0, 2);
   const std::size_t ownSize = rows == 0 ? 0 : std::size_t{at + rows - 1} * aw + al + cols;
 
