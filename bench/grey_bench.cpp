@@ -11,6 +11,8 @@
 //   ApplyAlphaToL08         a grey buffer multiplied by an alpha buffer, fast
 //                           and exact
 //   ApplyLUTToL08           a grey buffer mapped through a 256-entry table
+//   InvertAlphaL08          an applied alpha undone (its rule in double
+//                           precision per pixel)
 //   MotionCopyL08ToL08      a grey layer through its alpha buffer into a
 //                           separate destination, top to bottom
 //
@@ -47,7 +49,7 @@ std::uint8_t Byte(std::uint64_t x) {
   return static_cast<std::uint8_t>((x ^ (x >> 31)) >> 24);
 }
 
-enum class Job { kDensity, kL08ToL08, kApplyAlpha, kLut, kMotionCopy };
+enum class Job { kDensity, kL08ToL08, kApplyAlpha, kLut, kMotionCopy, kInvertAlpha };
 
 struct Images {
   Images(unsigned int w, unsigned int h)
@@ -81,6 +83,7 @@ const char *JobName(Job job) {
     case Job::kApplyAlpha: return "ApplyAlphaToL08";
     case Job::kLut: return "ApplyLUTToL08";
     case Job::kMotionCopy: return "MotionCopyL08ToL08";
+    case Job::kInvertAlpha: return "InvertAlphaL08";
   }
   return "";
 }
@@ -108,6 +111,7 @@ void RunOurs(const Images &im, Job job, bool exact) {
       MotionCopyL08ToL08(im.Src(), w, h, 0, 0, im.Alpha(), w, h, 0, 0, im.Dst(), w, h, 0, 0,
                          kOpacity, false, w, h, eMotionCopyDownRight, exact);
       break;
+    case Job::kInvertAlpha: InvertAlphaL08(im.Dst(), im.Alpha(), w, h, 0, 0, false, w, h); break;
   }
 }
 
@@ -122,6 +126,12 @@ std::uint8_t ScalarPixel(Job job, bool exact, const std::uint8_t *table, int d, 
     case Job::kApplyAlpha:
       return static_cast<std::uint8_t>(exact ? d * weight / 255 : (d * a) >> 8);
     case Job::kLut: return table[d];
+    case Job::kInvertAlpha: {
+      if (a == 0 || a == 255) return static_cast<std::uint8_t>(d);
+      double q = d * (255.0 / a);
+      if (q - d < 1.0) q += 1.0;
+      return static_cast<std::uint8_t>(q > 255.0 ? 255.0 : q);
+    }
     default:  // grey through alpha, exact form
       return static_cast<std::uint8_t>(d + (s - d) * (product / 255) / 255);
   }
@@ -153,6 +163,7 @@ void RunScalar(const Images &im, Job job, bool exact) {
       return exact ? ScalarLoop<Job::kApplyAlpha, true>(im)
                    : ScalarLoop<Job::kApplyAlpha, false>(im);
     case Job::kLut: return ScalarLoop<Job::kLut, true>(im);
+    case Job::kInvertAlpha: return ScalarLoop<Job::kInvertAlpha, true>(im);
     default: return ScalarLoop<Job::kL08ToL08, true>(im);
   }
 }
@@ -227,7 +238,8 @@ void AddPairs(const std::shared_ptr<Images> &im, Job job, bool exact) {
 const bool kRegistered = [] {
   for (const auto &size : {std::pair<unsigned, unsigned>{256, 256}, {3840, 2160}}) {
     const auto im = std::make_shared<Images>(size.first, size.second);
-    for (Job job : {Job::kDensity, Job::kL08ToL08, Job::kApplyAlpha, Job::kLut, Job::kMotionCopy}) {
+    for (Job job : {Job::kDensity, Job::kL08ToL08, Job::kApplyAlpha, Job::kLut, Job::kMotionCopy,
+                    Job::kInvertAlpha}) {
       AddPairs(im, job, false);
       if (HasForms(job)) AddPairs(im, job, true);
     }

@@ -51,6 +51,17 @@ TEST(AlphaTables, HandComputedPixels) {
     InvertAlphaL08(&c[1], &c[0], 1, 1, 0, 0, c[2], 1, 1);
     EXPECT_EQ(c[1], c[3]) << "InvertAlphaL08 a " << int(c[0]) << ", flat " << int(c[2]);
   }
+  // Every (alpha, value) pair against the double-precision rule.
+  std::vector<u8> values(256 * 256), alphas(256 * 256);
+  for (int i = 0; i < 256 * 256; ++i) values[i] = u8(i), alphas[i] = u8(i >> 8);
+  InvertAlphaL08(values.data(), alphas.data(), 256, 256, 0, 0, false, 256, 256);
+  for (int i = 0; i < 256 * 256; ++i) {
+    const int d = i & 255, al = i >> 8;
+    double q = d * (255.0 / al);
+    if (q - d < 1.0) q += 1.0;
+    const int want = al == 0 || al == 255 ? d : int(std::min(255.0, q));
+    ASSERT_EQ(values[i], want) << "d " << d << ", a " << al;
+  }
   u16 word = 4000;
   u8 a = 128;
   ApplyAlphaToL12(&word, &a, 1, 1, 0, 0, 200, 1, 1, false);

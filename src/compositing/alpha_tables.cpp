@@ -1,4 +1,6 @@
 // Alpha masks and lookup tables: one grey buffer changed in place.
+#include <array>
+
 #include "Ostrel.h"
 #include "compositing/grey_blend.h"
 #include "compositing/trc_blend.h"
@@ -31,6 +33,33 @@ void PostApply(const unsigned char *alpha, P *buffer, unsigned int count) {
     const std::int32_t factor = frame::TruncToInt32(alpha[i] / 255.0);
     buffer[i] = static_cast<P>(buffer[i] * factor);
   }
+}
+
+// The rule that undoes an applied alpha a (not 0 or 255) on a value d, in
+// double precision: q = d * (255 / a), at least one step up (so a pixel the
+// alpha darkened to 0, or by less than a step, does not stay where it is),
+// clamped and truncated.
+unsigned char Unapplied(unsigned int d, unsigned int a) {
+  double q = d * (255.0 / a);
+  if (q - d < 1.0) q += 1.0;
+  q = q < 0.0 ? 0.0 : q > 255.0 ? 255.0 : q;
+  return static_cast<unsigned char>(frame::TruncToInt32(q));
+}
+
+// The rule depends on (a, d) only: all 65,536 results, built at first use
+// (a function-local static, so building is thread-safe), indexed a * 256 + d.
+// Alphas 0 and 255 keep d.
+const unsigned char *UnappliedTable() {
+  static const std::array<unsigned char, 256 * 256> table = [] {
+    std::array<unsigned char, 256 * 256> t{};
+    for (unsigned int a = 0; a < 256; ++a) {
+      for (unsigned int d = 0; d < 256; ++d) {
+        t[a * 256 + d] = a == 0 || a == 255 ? static_cast<unsigned char>(d) : Unapplied(d, a);
+      }
+    }
+    return t;
+  }();
+  return table.data();
 }
 
 }  // namespace
@@ -80,20 +109,17 @@ void ApplyAlphaToL12(unsigned short *buffer, unsigned char *alpha, unsigned int 
 void InvertAlphaL08(unsigned char *buffer, unsigned char *alpha, unsigned int width,
                     unsigned int height, unsigned int left, unsigned int top, bool flat,
                     unsigned int regionWidth, unsigned int regionHeight) {
-  compositing::ForEachMaskedPixel(buffer, alpha, width, height, left, top, regionWidth,
-                                  regionHeight, __func__, [&](unsigned char &d, unsigned char a) {
-                                    if (flat) {
+  if (flat) {
+    compositing::ForEachMaskedPixel(buffer, alpha, width, height, left, top, regionWidth,
+                                    regionHeight, __func__, [](unsigned char &d, unsigned char a) {
                                       if (a == 0) d = 255;
-                                      return;
-                                    }
-                                    if (a == 0 || a == 255) return;
-                                    double q = d * (255.0 / a);
-                                    // At least one step up, so a pixel that the alpha darkened to 0
-                                    // or by less than a step does not stay where it is.
-                                    if (q - d < 1.0) q += 1.0;
-                                    q = q < 0.0 ? 0.0 : q > 255.0 ? 255.0 : q;
-                                    d = static_cast<unsigned char>(frame::TruncToInt32(q));
-                                  });
+                                    });
+    return;
+  }
+  const unsigned char *table = compositing::UnappliedTable();
+  compositing::ForEachMaskedPixel(
+      buffer, alpha, width, height, left, top, regionWidth, regionHeight, __func__,
+      [table](unsigned char &d, unsigned char a) { d = table[a * 256u + d]; });
 }
 
 void ApplyLUTToL08(unsigned char *buffer, unsigned int width, unsigned int height,
