@@ -1638,7 +1638,13 @@ OSTREL_API int ReleaseFeatureTables();
 // are taken with the region's column and row against the centroid in buffer
 // coordinates, so a region away from the origin shifts them by left and top.
 //
-// The Escape key is polled before every pixel of each pass (Windows:
+// The orientation visits the region once to find each object's bounding
+// box, then each object's box (so its cost follows the objects' sizes, not
+// their number times the region), and searches the windows over the bins
+// that hold an entry only; the results are those of scanning the whole
+// region per object and summing every bin.
+//
+// The Escape key is polled before every pixel each pass visits (Windows:
 // GetAsyncKeyState; elsewhere the query of SetKeyStateQuery): when it
 // reports, *aborted becomes 1 and -1 is returned, the records filled so far
 // keeping what they have. Returns 0, or -1 also for null features or

@@ -106,6 +106,8 @@ TEST(ObjectsFeatures, OrientationWorkedExamples) {
       {"horizontal pair, region at row 2", {{3, 4, 5, 5, 1}}, 2, 76 - 35},
       // (-1, 1): bin T[E] + 3E, not 4E - T[E]; (2, 0): bin 8E, read by no window.
       {"diagonal bin", {{6, 2, 7, 3, 1}, {2, 4, 3, 5, 1}}, 0, 180 - 35},
+      // Three pixels whose heaviest window starts on a filled bin.
+      {"three pixels, region at row 2", {{4, 3, 5, 4, 1}, {6, 4, 7, 5, 1}, {1, 6, 2, 7, 1}}, 2, 44},
   };
   SFeature f;
   unsigned char aborted;
@@ -113,6 +115,33 @@ TEST(ObjectsFeatures, OrientationWorkedExamples) {
     std::vector<int> labels = Labels(10, 10, c.rects);
     ASSERT_EQ(Extract(labels, 10, 10, c.top, labels.data(), 1, 1, &f, all, &aborted), 0);
     EXPECT_DOUBLE_EQ(f.orientation, c.bin / scale - kPi) << c.what;
+  }
+  // Many objects at once, each measured over its own pixels only: a grid of
+  // the worked pairs (a vertical pair's second pixel in its last row, a
+  // horizontal pair's in its last column; the horizontal ones with the region
+  // at row 2), every other object a single pixel, and objects past the last
+  // label, which have no pixels and weigh 0.
+  for (bool vertical : {true, false}) {
+    std::vector<Rect> rects;
+    for (int k = 0; k < 300; ++k) {
+      const int x = k % 20 * 3, y = k / 20 * 3 + 2, size = k % 2 ? 1 : 2;  // all in the region
+      rects.push_back({x, y, x + (vertical ? 1 : size), y + (vertical ? size : 1), 1 + k});
+    }
+    std::vector<int> labels = Labels(60, 48, rects);
+    std::vector<SFeature> many(310);
+    ASSERT_EQ(MultiObjectFeatureExtract<int>(labels.data(), 60, 48, 0, vertical ? 0 : 2, 60, 48,
+                                             labels.data(), 1, 310, many.data(),
+                                             static_cast<EFeaturesNeeded>(all), &aborted),
+              0);
+    for (int k = 0; k < 310; ++k) {
+      // A single pixel weighs 0 at region row 0 and lies straight below its
+      // centroid (0, 2) at row 2, like the vertical pair.
+      const double bin = k >= 300                  ? 0
+                         : k % 2 == 0 && !vertical ? 76 - 35
+                         : k % 2 && vertical       ? 0
+                                                   : 90 - 35;
+      ASSERT_DOUBLE_EQ(many[k].orientation, bin / scale - kPi) << "object " << k;
+    }
   }
   EXPECT_EQ(ReleaseFeatureTables(), 0);
   EXPECT_EQ(InitFeatureTables(2, 90.0), 0);

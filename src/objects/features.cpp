@@ -1,6 +1,7 @@
 // Multi-object feature extraction: per-object pixel count, centroid,
 // orientation, perimeter, roundness and histogram in one pass over a label
 // buffer, with the module-wide angle tables that the orientation needs.
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <cstddef>
@@ -37,12 +38,15 @@ struct FeatureTables {
   int e = 0;
   int *angle = nullptr;
   double *accumulator = nullptr;
+  int *filled = nullptr;  // the bins below N that hold an entry, ascending
 
   void Free() {
     delete[] angle;
     delete[] accumulator;
+    delete[] filled;
     angle = nullptr;
     accumulator = nullptr;
+    filled = nullptr;
   }
 };
 
@@ -81,12 +85,33 @@ int ObjectLabel(int k, int firstLabel) {
   return static_cast<int>(static_cast<unsigned int>(firstLabel) + static_cast<unsigned int>(k));
 }
 
+// Where each object's pixels lie inside the region: the bounding box of the
+// pixels that carry one label value.
+struct Box {
+  int left = INT_MAX, top = INT_MAX, right = -1, bottom = -1;  // inclusive; right < left: empty
+  void Add(int c, int row) {
+    left = std::min(left, c), right = std::max(right, c);
+    top = std::min(top, row), bottom = std::max(bottom, row);
+  }
+};
+
+// The box of the pixels labelled ObjectLabel(k): byte labels by their value
+// (objects 256 apart share a label), int labels by their index.
+int BoxOf(unsigned char label, unsigned char /*firstLabel*/, int /*objectCount*/) { return label; }
+int BoxOf(int label, int firstLabel, int objectCount) {
+  const int k = LabelIndex(label, firstLabel);
+  return k >= 0 && k < objectCount ? k : -1;
+}
+int BoxCount(unsigned char, int) { return 256; }
+int BoxCount(int, int objectCount) { return objectCount; }
+
 // The per-object temporaries, from the suite's memory manager; whatever was
 // obtained goes back to it when the call ends.
 class Temporaries {
  public:
   ~Temporaries() {
     if (manager_ == nullptr) return;
+    manager_->Free(boxes);
     manager_->Free(sumY);
     manager_->Free(sumX);
     manager_->Free(counter);
@@ -94,21 +119,23 @@ class Temporaries {
     manager_->Release();
   }
 
-  bool Obtain(int objectCount, bool sums) {
+  bool Obtain(int objectCount, bool sums, std::size_t boxCount) {
     // The largest block, objectCount doubles, must have a size that size_t
     // holds (in 32-bit builds it need not): nothing is asked for otherwise.
     const std::size_t n = static_cast<std::size_t>(objectCount);
-    if (n > SIZE_MAX / sizeof(double)) return false;
+    if (n > SIZE_MAX / sizeof(double) || boxCount > SIZE_MAX / sizeof(Box)) return false;
     manager_ = DllGetMemMgr();
     if (manager_ == nullptr) return false;
     if (!Cleared(n, &done) || !Cleared(n, &counter)) return false;
-    return !sums || (Cleared(n, &sumX) && Cleared(n, &sumY));
+    if (sums && !(Cleared(n, &sumX) && Cleared(n, &sumY))) return false;
+    return boxCount == 0 || Cleared(boxCount, &boxes);
   }
 
   unsigned char *done = nullptr;
   std::int64_t *counter = nullptr;
   double *sumX = nullptr;
   double *sumY = nullptr;
+  Box *boxes = nullptr;  // the orientation's object boxes
 
  private:
   template <class E>
@@ -159,11 +186,26 @@ double HeaviestDirection() {
   const FeatureTables &t = g_tables;
   const int n = t.n;
   const int w = n / 10;
+  // Each window sums acc[(s + j + n) % n] for j = -w .. w - 1, in that order.
+  // The entries are never negative, so leaving out the empty bins changes no
+  // sum by a bit: only the filled ones are added, in the same order.
+  int count = 0;
+  for (int b = 0; b < n; ++b) {
+    if (t.accumulator[b] != 0.0) t.filled[count++] = b;
+  }
+  const int *const first = t.filled, *const last = t.filled + count;
+  const auto addRange = [&](double sum, int from, int to) {  // the filled bins in [from, to)
+    for (const int *b = std::lower_bound(first, last, from); b != last && *b < to; ++b) {
+      sum += t.accumulator[*b];
+    }
+    return sum;
+  };
   int best = 0;
   double bestSum = 0.0;
-  for (int s = 0; s <= n; ++s) {
-    double sum = 0.0;
-    for (int j = -w; j < w; ++j) sum += t.accumulator[(s + j + n) % n];
+  for (int s = 0; s <= n && count != 0; ++s) {
+    const int start = (s - w + n) % n, end = start + 2 * w;
+    double sum = addRange(0.0, start, end < n ? end : n);
+    if (end > n) sum = addRange(sum, 0, end - n);
     if (s == 0 || sum > bestSum) {
       best = s;
       bestSum = sum;
@@ -179,17 +221,33 @@ double HeaviestDirection() {
 // division by N would.
 template <class T>
 bool MeasureOrientations(const T *labels, int width, const ClampedRegion &r, T firstLabel,
-                         int objectCount, SFeature *features) {
+                         int objectCount, SFeature *features, Box *boxes) {
   FeatureTables &t = g_tables;
   if (t.accumulator == nullptr) frame::platform::RaiseIntegerDivideFault();
+  const auto rowOf = [&](int row) {
+    return labels + static_cast<std::ptrdiff_t>(r.top + row) * width + r.left;
+  };
+  // One pass finds every object's box, so that each object is then measured
+  // over its own box instead of the whole region: the same pixels in the
+  // same order, so the same sums.
+  for (int row = 0; row < r.height; ++row) {
+    const T *p = rowOf(row);
+    for (int c = 0; c < r.width; ++c) {
+      if (EscapePressed()) return false;
+      const int b = BoxOf(p[c], firstLabel, objectCount);
+      if (b >= 0) boxes[b].Add(c, row);
+    }
+  }
   for (int k = 0; k < objectCount; ++k) {
     if (EscapePressed()) return false;
     for (int b = 0; b <= t.n; ++b) t.accumulator[b] = 0.0;
     const T label = ObjectLabel(k, firstLabel);
+    const int b = BoxOf(label, firstLabel, objectCount);
+    const Box box = b >= 0 ? boxes[b] : Box();
     const double cx = features[k].centroidX, cy = features[k].centroidY;
-    for (int row = 0; row < r.height; ++row) {
-      const T *p = labels + static_cast<std::ptrdiff_t>(r.top + row) * width + r.left;
-      for (int c = 0; c < r.width; ++c) {
+    for (int row = box.top; row <= box.bottom; ++row) {
+      const T *p = rowOf(row);
+      for (int c = box.left; c <= box.right; ++c) {
         if (EscapePressed()) return false;
         if (p[c] != label) continue;
         double dy = cy - (row + 0.5);
@@ -227,7 +285,8 @@ int InitFeatureTables(int marker, double angleSteps) {
   t.Free();
   t.angle = new (std::nothrow) int[static_cast<std::size_t>(t.e) + 1];
   t.accumulator = new (std::nothrow) double[static_cast<std::size_t>(t.n) + 1];
-  if (t.angle == nullptr || t.accumulator == nullptr) {
+  t.filled = new (std::nothrow) int[static_cast<std::size_t>(t.n)];
+  if (t.angle == nullptr || t.accumulator == nullptr || t.filled == nullptr) {
     // The marker stays: further calls fail until the tables are released.
     t.Free();
     t.n = 0;
@@ -274,7 +333,11 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
                 "no eFeatureOrientation before InitFeatureTables has built the angle tables");
 
   objects::Temporaries tmp;
-  if (!tmp.Obtain(objectCount, centroid)) return -1;
+  if (!tmp.Obtain(
+          objectCount, centroid,
+          orientation ? static_cast<std::size_t>(objects::BoxCount(T(), objectCount)) : 0)) {
+    return -1;
+  }
   if (histogram) {
     for (int k = 0; k < objectCount; ++k) {
       std::memset(features[k].histogram, 0, sizeof(features[k].histogram));
@@ -331,7 +394,8 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
   }
 
   if (orientation) {
-    if (!objects::MeasureOrientations(labels, width, r, firstLabel, objectCount, features)) {
+    if (!objects::MeasureOrientations(labels, width, r, firstLabel, objectCount, features,
+                                      tmp.boxes)) {
       *aborted = 1;
       return -1;
     }
