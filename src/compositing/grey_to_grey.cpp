@@ -56,12 +56,13 @@ void BlendRow(const P *s, const unsigned char *alpha, P *d, std::uint32_t n, con
 void BlendL12SharedRow(const std::uint16_t *s, const unsigned char *alpha, std::uint16_t *d,
                        std::uint32_t n, const GreyMode &m, bool twoLevel, bool nextInBuffer) {
   const bool scaled = m.blendZero || alpha == nullptr;
-  const bool nextForced = twoLevel && m.blendZero;
+  // The pixels i < forced have their next word forced.
+  const std::uint32_t forced = !(twoLevel && m.blendZero) ? 0 : nextInBuffer ? n : n - 1;
   for (std::uint32_t i = 0; i < n; ++i) {
     if (!m.blendZero && s[i] == 0) continue;
     const std::int32_t source = scaled ? s[i] / 255 : s[i];
     d[i] = static_cast<std::uint16_t>(ExactChannel(d[i], source, Coverage(alpha, i, m)));
-    if (nextForced && (i + 1 < n || nextInBuffer) && d[i + 1] != 0) d[i + 1] = 4095;
+    if (i < forced && d[i + 1] != 0) d[i + 1] = 4095;
   }
 }
 

@@ -38,7 +38,22 @@ struct FeatureTables {
   int e = 0;
   int *angle = nullptr;
   double *accumulator = nullptr;
-  int *filled = nullptr;  // the bins below N that hold an entry, ascending
+  // The bins that hold an entry, in the order they were first filled; the
+  // accumulator is 0 everywhere else, so clearing it means clearing these.
+  int *filled = nullptr;
+  int filledCount = 0;
+
+  // Adds an entry to a bin, noting the bin when it was empty.
+  void Add(int bin, double weight) {
+    double &entry = accumulator[bin];
+    const bool wasEmpty = entry == 0.0;
+    entry += weight;
+    if (wasEmpty && entry != 0.0) filled[filledCount++] = bin;
+  }
+  void Clear() {
+    for (int i = 0; i < filledCount; ++i) accumulator[filled[i]] = 0.0;
+    filledCount = 0;
+  }
 
   void Free() {
     delete[] angle;
@@ -47,6 +62,7 @@ struct FeatureTables {
     angle = nullptr;
     accumulator = nullptr;
     filled = nullptr;
+    filledCount = 0;
   }
 };
 
@@ -183,16 +199,16 @@ int AngleBin(double dx, double dy) {
 // The start of the heaviest window of 2 * (N / 10) bins round the turn (the
 // first one on ties), as an angle in -pi .. pi.
 double HeaviestDirection() {
-  const FeatureTables &t = g_tables;
+  FeatureTables &t = g_tables;
   const int n = t.n;
   const int w = n / 10;
   // Each window sums acc[(s + j + n) % n] for j = -w .. w - 1, in that order.
   // The entries are never negative, so leaving out the empty bins changes no
-  // sum by a bit: only the filled ones are added, in the same order.
-  int count = 0;
-  for (int b = 0; b < n; ++b) {
-    if (t.accumulator[b] != 0.0) t.filled[count++] = b;
-  }
+  // sum by a bit: only the filled ones are added, in the same order. Bin N
+  // (which AngleBin can give) is read by no window.
+  std::sort(t.filled, t.filled + t.filledCount);
+  const int count =
+      static_cast<int>(std::lower_bound(t.filled, t.filled + t.filledCount, n) - t.filled);
   const int *const first = t.filled, *const last = t.filled + count;
   const auto addRange = [&](double sum, int from, int to) {  // the filled bins in [from, to)
     for (const int *b = std::lower_bound(first, last, from); b != last && *b < to; ++b) {
@@ -240,7 +256,7 @@ bool MeasureOrientations(const T *labels, int width, const ClampedRegion &r, T f
   }
   for (int k = 0; k < objectCount; ++k) {
     if (EscapePressed()) return false;
-    for (int b = 0; b <= t.n; ++b) t.accumulator[b] = 0.0;
+    t.Clear();  // also the bins an Escape left filled
     const T label = ObjectLabel(k, firstLabel);
     const int b = BoxOf(label, firstLabel, objectCount);
     const Box box = b >= 0 ? boxes[b] : Box();
@@ -254,7 +270,7 @@ bool MeasureOrientations(const T *labels, int width, const ClampedRegion &r, T f
         double dx = cx - (c + 0.5);
         if (dy < 0) dy = dy + 1.0;
         if (dx < 0) dx = dx + 1.0;
-        t.accumulator[AngleBin(dx, dy)] += dx * dx + dy * dy;
+        t.Add(AngleBin(dx, dy), dx * dx + dy * dy);
       }
     }
     features[k].orientation = HeaviestDirection();
@@ -284,8 +300,8 @@ int InitFeatureTables(int marker, double angleSteps) {
   t.e = frame::TruncToInt32(t.n * 0.125);  // 1 .. 4500
   t.Free();
   t.angle = new (std::nothrow) int[static_cast<std::size_t>(t.e) + 1];
-  t.accumulator = new (std::nothrow) double[static_cast<std::size_t>(t.n) + 1];
-  t.filled = new (std::nothrow) int[static_cast<std::size_t>(t.n)];
+  t.accumulator = new (std::nothrow) double[static_cast<std::size_t>(t.n) + 1]();  // all 0
+  t.filled = new (std::nothrow) int[static_cast<std::size_t>(t.n) + 1];
   if (t.angle == nullptr || t.accumulator == nullptr || t.filled == nullptr) {
     // The marker stays: further calls fail until the tables are released.
     t.Free();
