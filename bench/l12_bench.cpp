@@ -55,10 +55,10 @@ enum class Job {
   kToTrc,         // AlphaBlendL12ToTRC
 };
 
-const Job kJobs[] = {Job::kL12Shared,   Job::kL12Own,     Job::kL12Flat,     Job::kDensity,
-                     Job::kDensityInv,  Job::kDensityFlat, Job::kMotionCopy, Job::kApplyAlpha,
-                     Job::kLut,         Job::kTwoLevel,   Job::kTwoLevelCopy, Job::kTwoLevelL08,
-                     Job::kToL08,       Job::kToTrc};
+const Job kJobs[] = {Job::kL12Shared,  Job::kL12Own,      Job::kL12Flat,      Job::kDensity,
+                     Job::kDensityInv, Job::kDensityFlat, Job::kMotionCopy,   Job::kApplyAlpha,
+                     Job::kLut,        Job::kTwoLevel,    Job::kTwoLevelCopy, Job::kTwoLevelL08,
+                     Job::kToL08,      Job::kToTrc};
 
 // What the job writes: 16-bit words, bytes or 32-bit colour pixels.
 enum class Out { kWords, kBytes, kPixels };
@@ -249,8 +249,7 @@ void RunSibling(const Images &im, Job job) {
       AlphaBlendDensityToL08(kDensity8, a, w, h, 0, 0, d, w, h, 0, 0, kOpacity, w, h, true);
       break;
     case Job::kDensityInv:
-      AlphaBlendDensityToL08Inverted(kDensity8, a, w, h, 0, 0, d, w, h, 0, 0, kOpacity, w, h,
-                                     true);
+      AlphaBlendDensityToL08Inverted(kDensity8, a, w, h, 0, 0, d, w, h, 0, 0, kOpacity, w, h, true);
       break;
     case Job::kDensityFlat:
       AlphaBlendDensityToL08Flat(kDensity8, a, w, h, 0, 0, d, w, h, 0, 0, w, h);
@@ -425,9 +424,7 @@ std::string VerifyTraffic(const Images &im, Job job) {
 }
 
 std::int64_t DstBytes(const Images &im, Job job) {
-  const std::size_t size = OutputOf(job) == Out::kBytes    ? 1
-                           : OutputOf(job) == Out::kPixels ? 4
-                                                           : 2;
+  const std::size_t size = OutputOf(job) == Out::kBytes ? 1 : OutputOf(job) == Out::kPixels ? 4 : 2;
   return static_cast<std::int64_t>(im.Pixels() * size);
 }
 
