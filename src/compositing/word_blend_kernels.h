@@ -110,15 +110,17 @@ constexpr void SetTowardSource(WordBlendKernels &t) {
 // table otherwise. The vector kernels read a whole step before storing it.
 const WordBlendKernels &WordKernelsForRow(const WordRow &row);
 
-// x / 255 for every x in 0..255 * 65535 (the products |s - d| * W), from
-// the low and high 16 bits of x as the vector kernels form it: with
-// 65536 = 257 * 255 + 1, x = 255 * (257 * hi + lo / 255) + hi + lo % 255,
-// and hi + lo % 255 is at most 254 + 254, so it adds 1 when it reaches 255.
-// The tests check it against the quotient for every such x.
-constexpr std::uint32_t WordDiv255(std::uint32_t x) {
-  const std::uint32_t hi = x >> 16, lo = x & 0xFFFFu;
-  const std::uint32_t ql = lo / 255, rl = lo - ql * 255;
-  return 257 * hi + ql + (hi + rl >= 255 ? 1 : 0);
+// (a * w) / 255 for every a in 0..65535 and w in 0..255 (the products
+// |s - d| * W), as the vector kernels form it in 16-bit lanes: since
+// 255 * 257 = 65535, it is p / 65535 with p = a * (257 * w) < 2^32; with p as
+// hi * 65536 + lo, p = 65535 * hi + (hi + lo), and hi + lo is less than
+// 2 * 65535 (hi is at most 65534), so the quotient is hi, plus 1 where
+// hi + lo reaches 65535. The tests check it against the quotient for every
+// such a and w.
+constexpr std::uint32_t WordMulDiv255(std::uint32_t a, std::uint32_t w) {
+  const std::uint32_t p = a * (257 * w);
+  const std::uint32_t hi = p >> 16, lo = p & 0xFFFFu;
+  return hi + (hi + lo >= 65535 ? 1 : 0);
 }
 
 }  // namespace compositing

@@ -5,11 +5,11 @@
 //
 // A step blends V::kWords destination words in 16-bit lanes, with the source
 // words and the coverage bytes (widened to 16-bit lanes) that pair with them.
-// The product |s - d| * W reaches 65535 * 255, past 16 bits: it is formed as
-// its low and high halves and divided by 255 as WordDiv255 does, all in
-// 16-bit lanes. The quotient moves d toward s, so the result lies between
-// them and the lanes' 16-bit sums give it exactly. The last words of a row go
-// through a short copy, so no vector access reaches past the row.
+// The product |s - d| * W reaches 65535 * 255, past 16 bits: it is divided
+// by 255 as WordMulDiv255 does, from the high and low halves of
+// |s - d| * (257 * W), all in 16-bit lanes. The quotient moves d toward s, so the result lies
+// between them and the lanes' 16-bit sums give it exactly. The last words of a row go through a
+// short copy, so no vector access reaches past the row.
 #include <cstring>
 
 #include "compositing/simd_lanes.h"
@@ -21,38 +21,39 @@ namespace {
 template <class V>
 using Reg = typename V::Reg;
 
-// (a * w) / 255 for 16-bit lanes a and weights w of at most 255, as
-// WordDiv255: x = a * w as hi * 65536 + lo, then 257 * hi + lo / 255, plus 1
-// where hi + lo % 255 reaches 255.
+// (a * w) / 255 for 16-bit lanes a and weights w of at most 255, given
+// w257 = 257 * w, as WordMulDiv255: the high half of a * w257, plus 1 where
+// the high and low halves add up to 65535 or more (the saturating sum is then
+// 65535).
 template <class V>
-Reg<V> MulDiv255(Reg<V> a, Reg<V> w) {
-  const Reg<V> lo = V::MulLo16(a, w), hi = V::MulHiU16(a, w);
-  const Reg<V> ql = Div255<V>(lo);
-  const Reg<V> rl = V::Sub16(lo, V::Sub16(V::template ShiftLeft16<8>(ql), ql));
-  // hi + rl is at most 508, so the signed compare holds; it gives -1.
-  const Reg<V> carry = V::CmpGtS16(V::Add16(hi, rl), V::Set16(254));
-  const Reg<V> q = V::Add16(V::Add16(V::template ShiftLeft16<8>(hi), hi), ql);
-  return V::Sub16(q, carry);
+Reg<V> MulDiv255(Reg<V> a, Reg<V> w257) {
+  const Reg<V> hi = V::MulHiU16(a, w257), lo = V::MulLo16(a, w257);
+  const Reg<V> carry = V::CmpEq16(V::AddSatU16(hi, lo), V::Set16(0xFFFF));  // -1 there
+  return V::Sub16(hi, carry);
 }
 
-// d + ((s - d) * w) / 255 for 16-bit lanes, the product truncated toward 0.
+// d + ((s - d) * w) / 255 for 16-bit lanes, the product truncated toward 0;
+// w257 = 257 * w.
 template <class V>
-Reg<V> WordBlendLanes(Reg<V> d, Reg<V> s, Reg<V> w) {
+Reg<V> WordBlendLanes(Reg<V> d, Reg<V> s, Reg<V> w257) {
   const Reg<V> up = V::SubSatU16(s, d), down = V::SubSatU16(d, s);
-  const Reg<V> q = MulDiv255<V>(V::Or(up, down), w);
+  const Reg<V> q = MulDiv255<V>(V::Or(up, down), w257);
   // -1 where s <= d: the quotient is subtracted (it is 0 where s == d).
   const Reg<V> negative = V::CmpEq16(up, V::Zero());
   return V::Add16(d, V::Sub16(V::Xor(q, negative), negative));
 }
 
-// The weight of each lane from its coverage lane c, as WordWeight does.
+// 257 times the weight of each lane, from its coverage lane c (the weight
+// as WordWeight gives it).
 template <class V, int coverage>
 Reg<V> WordWeightLanes(Reg<V> c, std::uint32_t opacity) {
-  const Reg<V> o = V::Set16(static_cast<std::uint16_t>(opacity));
-  if (coverage == kWordByOpacity) return o;
-  if (coverage == kWordByFlatAlpha) return V::AndNot(V::CmpEq16(c, V::Zero()), o);
-  if (opacity == 255) return c;
-  return Div255<V>(V::MulLo16(c, o));  // c * o is at most 65025
+  const Reg<V> o257 = V::Set16(static_cast<std::uint16_t>(257 * opacity));
+  if (coverage == kWordByOpacity) return o257;
+  if (coverage == kWordByFlatAlpha) return V::AndNot(V::CmpEq16(c, V::Zero()), o257);
+  // c * o is at most 65025.
+  const Reg<V> w =
+      opacity == 255 ? c : Div255<V>(V::MulLo16(c, V::Set16(static_cast<std::uint16_t>(opacity))));
+  return V::Or(V::template ShiftLeft16<8>(w), w);
 }
 
 // 4095 where r is not 0, 0 where it is.
