@@ -7,9 +7,10 @@
 // words and the coverage bytes (widened to 16-bit lanes) that pair with them.
 // The product |s - d| * W reaches 65535 * 255, past 16 bits: it is divided
 // by 255 as WordMulDiv255 does, from the high and low halves of
-// |s - d| * (257 * W), all in 16-bit lanes. The quotient moves d toward s, so the result lies
-// between them and the lanes' 16-bit sums give it exactly. The last words of a row go through a
-// short copy, so no vector access reaches past the row.
+// |s - d| * (257 * W), all in 16-bit lanes. The quotient moves d toward s,
+// so the result lies between them and the lanes' 16-bit sums give it
+// exactly. The last words of a row go through a short copy, so no vector
+// access reaches past the row.
 #include <cstring>
 
 #include "compositing/simd_lanes.h"
