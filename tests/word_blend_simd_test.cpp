@@ -107,19 +107,20 @@ TEST(WordBlendKernels, EveryIsaMatchesScalar) {
   for (std::size_t e = 0; e < scalar.size(); ++e) {
     for (int round = 0; round < 300; ++round) {
       const std::size_t n = round < 101 ? round : rng() % 101;
-      const std::size_t off = rng() % 32;
-      // Sized to the row: a read or write past it is a fault the sanitizer
-      // sees, and the word after the destination row is compared too.
-      const auto src = Random<u16>(off + n, [&] { return TurnWord(rng); });
-      const auto alpha = Random<u8>(off + n, [&] { return TurnByte(rng); });
+      // Each row at its own unaligned offset, in a buffer that ends with it:
+      // a read or write past it is a fault the sanitizer sees, and the word
+      // after the destination row is compared too.
+      const std::size_t off = rng() % 32, srcOff = rng() % 32, alphaOff = rng() % 32;
+      const auto src = Random<u16>(srcOff + n, [&] { return TurnWord(rng); });
+      const auto alpha = Random<u8>(alphaOff + n, [&] { return TurnByte(rng); });
       const auto start = Random<u16>(off + n + 1, [&] { return TurnWord(rng); });
       WordBlend b;
       b.opacity = round % 7 < 5 ? opacities[round % 7] : TurnByte(rng);
       b.density = TurnWord(rng);
       auto want = start;
       WordRow row{want.data() + off, n};
-      row.src = src.data() + off;
-      row.alpha = alpha.data() + off;
+      row.src = src.data() + srcOff;
+      row.alpha = alpha.data() + alphaOff;
       row.nextWord = rng() % 2 != 0;
       for (const Table &t : tables) {
         const auto kernel = Entries(*t.kernels)[e].second;
@@ -132,9 +133,9 @@ TEST(WordBlendKernels, EveryIsaMatchesScalar) {
         auto got = start;
         row.dst = got.data() + off;
         Entries(*t.kernels)[e].second(row, b);
-        ASSERT_EQ(got, want) << t.isa << " " << scalar[e].first << ", " << n << " words at offset "
-                             << off << ", opacity " << b.opacity << ", density " << b.density
-                             << ", next word " << row.nextWord;
+        ASSERT_EQ(got, want) << t.isa << " " << scalar[e].first << ", " << n << " words at offsets "
+                             << off << "/" << srcOff << "/" << alphaOff << ", opacity " << b.opacity
+                             << ", density " << b.density << ", next word " << row.nextWord;
       }
     }
   }
