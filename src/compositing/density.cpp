@@ -3,6 +3,7 @@
 #include "Ostrel.h"
 #include "compositing/grey_blend.h"
 #include "compositing/trc_blend.h"
+#include "compositing/word_blend_kernels.h"
 
 namespace ostrel {
 namespace compositing {
@@ -29,21 +30,27 @@ void DensityRows(unsigned char density, unsigned char *alpha, unsigned int alpha
                         });
 }
 
-// The 12-bit density members, exact form: coverage c = a, or 255 - a when
-// inverse.
+// The 12-bit density members through a word row kernel: exact form,
+// coverage c = a or 255 - a (see WordBlendKernels::towardDensity), or the
+// flat one.
 void DensityWords(unsigned short density, unsigned char *alpha, unsigned int alphaWidth,
                   unsigned int alphaHeight, unsigned int alphaLeft, unsigned int alphaTop,
                   unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
                   unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
-                  unsigned int regionWidth, unsigned int regionHeight, bool inverse,
-                  const char *function) {
-  ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, "alpha", dst, dstWidth,
-                   dstHeight, dstLeft, dstTop, regionWidth, regionHeight, function,
-                   [&](unsigned char a, unsigned short &d) {
-                     const std::uint32_t c = inverse ? 255u - a : a;
-                     d = static_cast<std::uint16_t>(frame::blend::ExactChannel(
-                         d, density, frame::blend::ExactWeight(c, opacity)));
-                   });
+                  unsigned int regionWidth, unsigned int regionHeight,
+                  WordRowKernel (*kernel)(const WordBlendKernels &), const char *function) {
+  const auto a = frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, "alpha");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
+  const frame::Extent e = frame::ClipPair(a, d, regionWidth, regionHeight, function);
+  WordBlend blend;
+  blend.density = density;
+  blend.opacity = opacity;
+  frame::ForEachRowPair(a, d, e,
+                        [&](const std::uint8_t *coverage, std::uint16_t *out, std::uint32_t n) {
+                          WordRow row{out, n};
+                          row.alpha = coverage;
+                          kernel(WordKernelsForRow(row))(row, blend);
+                        });
 }
 
 }  // namespace
@@ -81,9 +88,10 @@ void AlphaBlendDensityToL12(unsigned short density, unsigned char *alpha, unsign
                             unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
                             unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                             unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
-  compositing::DensityWords(density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst,
-                            dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth,
-                            regionHeight, true, __func__);
+  compositing::DensityWords(
+      density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight,
+      dstLeft, dstTop, opacity, regionWidth, regionHeight,
+      [](const compositing::WordBlendKernels &k) { return k.towardDensity[1]; }, __func__);
 }
 
 void AlphaBlendDensityToL12Inverted(
@@ -91,9 +99,10 @@ void AlphaBlendDensityToL12Inverted(
     unsigned int alphaLeft, unsigned int alphaTop, unsigned short *dst, unsigned int dstWidth,
     unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
     unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
-  compositing::DensityWords(density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst,
-                            dstWidth, dstHeight, dstLeft, dstTop, opacity, regionWidth,
-                            regionHeight, false, __func__);
+  compositing::DensityWords(
+      density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight,
+      dstLeft, dstTop, opacity, regionWidth, regionHeight,
+      [](const compositing::WordBlendKernels &k) { return k.towardDensity[0]; }, __func__);
 }
 
 void AlphaBlendDensityToL08Flat(unsigned char density, unsigned char *alpha,
@@ -129,11 +138,10 @@ void AlphaBlendDensityToL12Flat(unsigned short density, unsigned char *alpha,
                                 unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                                 unsigned int dstTop, unsigned int regionWidth,
                                 unsigned int regionHeight) {
-  compositing::ForEachPixelPair(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, "alpha", dst,
-                                dstWidth, dstHeight, dstLeft, dstTop, regionWidth, regionHeight,
-                                __func__, [&](unsigned char a, unsigned short &d) {
-                                  if (a != 0) d = density;
-                                });
+  compositing::DensityWords(
+      density, alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight,
+      dstLeft, dstTop, 0, regionWidth, regionHeight,
+      [](const compositing::WordBlendKernels &k) { return k.densityFlat; }, __func__);
 }
 
 // The blue byte of each TRC pixel is the coverage.

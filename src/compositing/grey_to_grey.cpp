@@ -2,6 +2,7 @@
 // alpha buffer, exact form only.
 #include "Ostrel.h"
 #include "compositing/grey_blend.h"
+#include "compositing/word_blend_kernels.h"
 #include "frame/blend.h"
 #include "frame/region.h"
 
@@ -48,22 +49,25 @@ void BlendRow(const P *s, const unsigned char *alpha, P *d, std::uint32_t n, con
   }
 }
 
-// The shared-geometry 12-bit members: the source divided by 255 except with
-// alpha and blendZero 0, and twoLevel (with blendZero only) applied to the
-// word after each one stored, which reaches one word past the row's region.
-// That word is left alone where it would lie past the buffer's last pixel
-// (nextInBuffer false: the region's row ends the buffer).
-void BlendL12SharedRow(const std::uint16_t *s, const unsigned char *alpha, std::uint16_t *d,
-                       std::uint32_t n, const GreyMode &m, bool twoLevel, bool nextInBuffer) {
-  const bool scaled = m.blendZero || alpha == nullptr;
-  // The pixels i < forced have their next word forced.
-  const std::uint32_t forced = !(twoLevel && m.blendZero) ? 0 : nextInBuffer ? n : n - 1;
-  for (std::uint32_t i = 0; i < n; ++i) {
-    if (!m.blendZero && s[i] == 0) continue;
-    const std::int32_t source = scaled ? s[i] / 255 : s[i];
-    d[i] = static_cast<std::uint16_t>(ExactChannel(d[i], source, Coverage(alpha, i, m)));
-    if (i < forced && d[i + 1] != 0) d[i + 1] = 4095;
-  }
+// The 12-bit members run the word row kernels; each row takes the kernel of
+// its coverage and flags (see WordBlendKernels).
+WordRowKernel SourceKernel(const WordBlendKernels &k, const unsigned char *alpha, const GreyMode &m,
+                           bool scaled, int result) {
+  const int coverage = alpha == nullptr ? kWordByOpacity
+                       : m.flatAlpha    ? kWordByFlatAlpha
+                                        : kWordByAlpha;
+  return k.towardSource[coverage][scaled][!m.blendZero][result];
+}
+
+void BlendWordRow(const std::uint16_t *s, const unsigned char *alpha, std::uint16_t *d,
+                  std::uint32_t n, const GreyMode &m, bool scaled, int result, bool nextWord) {
+  WordRow row{d, n};
+  row.src = s;
+  row.alpha = alpha;
+  row.nextWord = nextWord;
+  WordBlend blend;
+  blend.opacity = m.opacity;
+  SourceKernel(WordKernelsForRow(row), alpha, m, scaled, result)(row, blend);
 }
 
 template <class P>
@@ -95,6 +99,11 @@ void BlendOwn(P *src, unsigned int srcWidth, unsigned int srcHeight, unsigned in
            });
 }
 
+// The shared-geometry 12-bit members: the source divided by 255 except with
+// alpha and blendZero 0, and twoLevel (with blendZero only) applied to the
+// word after each one stored, which reaches one word past the row's region.
+// That word is left alone where it would lie past the buffer's last pixel
+// (the region's row ends the buffer).
 void BlendL12Shared(unsigned short *src, unsigned char *alpha, unsigned int srcWidth,
                     unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
                     unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
@@ -102,12 +111,34 @@ void BlendL12Shared(unsigned short *src, unsigned char *alpha, unsigned int srcW
                     unsigned int regionHeight, const GreyMode &m, bool twoLevel,
                     const char *function) {
   const std::uint16_t *const end = dst + static_cast<std::size_t>(dstWidth) * dstHeight;
+  const bool scaled = m.blendZero || alpha == nullptr;
+  const bool forceNext = twoLevel && m.blendZero;
   GreyRows(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src"),
            frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop, "src"),
            frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst"), regionWidth,
            regionHeight, function,
            [&](const std::uint16_t *s, const unsigned char *a, std::uint16_t *d, std::uint32_t n) {
-             BlendL12SharedRow(s, a, d, n, m, twoLevel, d + n != end);
+             BlendWordRow(s, a, d, n, m, scaled, forceNext ? kWordForceNext : kWordPlain,
+                          forceNext && d + n != end);
+           });
+}
+
+// The own-geometry 12-bit member: the source as it is; with twoLevel and an
+// alpha buffer a result that is not 0 becomes 4095.
+void BlendL12Own(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
+                 unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
+                 unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
+                 unsigned int alphaTop, unsigned short *dst, unsigned int dstWidth,
+                 unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                 unsigned int regionWidth, unsigned int regionHeight, const GreyMode &m,
+                 bool twoLevel, const char *function) {
+  const int result = twoLevel && alpha != nullptr ? kWordTwoLevel : kWordPlain;
+  GreyRows(frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src"),
+           frame::MakePlane(alpha, alphaWidth, alphaHeight, alphaLeft, alphaTop, "alpha"),
+           frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst"), regionWidth,
+           regionHeight, function,
+           [&](const std::uint16_t *s, const unsigned char *a, std::uint16_t *d, std::uint32_t n) {
+             BlendWordRow(s, a, d, n, m, false, result, false);
            });
 }
 
@@ -212,11 +243,10 @@ void AlphaBlendL12ToL12(unsigned short *src, unsigned int srcWidth, unsigned int
                         unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                         unsigned char opacity, unsigned char blendZero, bool twoLevel,
                         unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
-  const compositing::GreyMode m{opacity, blendZero != 0, false,
-                                twoLevel && alpha != nullptr ? 4095u : 0u};
-  compositing::BlendOwn(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
-                        alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop, regionWidth,
-                        regionHeight, m, __func__);
+  const compositing::GreyMode m{opacity, blendZero != 0, false, 0};
+  compositing::BlendL12Own(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth,
+                           alphaHeight, alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft,
+                           dstTop, regionWidth, regionHeight, m, twoLevel, __func__);
 }
 
 void AlphaBlendL12ToL12FlatAlpha(unsigned short *src, unsigned char *alpha, unsigned int srcWidth,

@@ -7,6 +7,7 @@
 #include "Ostrel.h"
 #include "compositing/grey_blend_kernels.h"
 #include "compositing/trc_blend.h"
+#include "compositing/word_blend_kernels.h"
 #include "frame/blend.h"
 #include "frame/region.h"
 
@@ -115,6 +116,7 @@ void MotionCopyL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int 
                           });
 }
 
+// Rows that do not alias run the word row kernels.
 void MotionCopyL12ToL12(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
                         unsigned int srcLeft, unsigned int srcTop, unsigned char *alpha,
                         unsigned int alphaWidth, unsigned int alphaHeight, unsigned int alphaLeft,
@@ -122,10 +124,23 @@ void MotionCopyL12ToL12(unsigned short *src, unsigned int srcWidth, unsigned int
                         unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                         unsigned char opacity, bool twoLevel, unsigned int regionWidth,
                         unsigned int regionHeight, _EMotionCopyMode mode, bool /*exact*/) {
+  const compositing::WordRowKernel kernel =
+      compositing::ActiveWordBlendKernels()
+          .towardSource[compositing::kWordByAlpha][false][false]
+                       [twoLevel ? compositing::kWordTwoLevel : compositing::kWordPlain];
+  compositing::WordBlend blend;
+  blend.opacity = opacity;
   compositing::MotionCopy(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,
                           alphaLeft, alphaTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
                           regionWidth, regionHeight, mode, __func__,
-                          compositing::GreyPixel<unsigned short>{opacity, twoLevel ? 4095u : 0u});
+                          compositing::GreyPixel<unsigned short>{opacity, twoLevel ? 4095u : 0u},
+                          [&](unsigned short *out, const unsigned short *in,
+                              const unsigned char *cover, std::uint32_t n) {
+                            compositing::WordRow row{out, n};
+                            row.src = in;
+                            row.alpha = cover;
+                            kernel(row, blend);
+                          });
 }
 
 // Rows that do not alias run the colour blend's kernel

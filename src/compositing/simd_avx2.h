@@ -79,6 +79,21 @@ struct Avx2 {
   static Reg UnpackHi8(Reg a, Reg b) { return _mm256_unpackhi_epi8(a, b); }
   static Reg PackUs16(Reg a, Reg b) { return _mm256_packus_epi16(a, b); }
   static Reg CmpEq16(Reg a, Reg b) { return _mm256_cmpeq_epi16(a, b); }
+
+  // Words (12-bit grey kernels).
+  // Whole registers of 16-bit words (kWords of them), and kWords coverage
+  // bytes widened to 16-bit lanes.
+  static constexpr std::size_t kWords = 16;
+  static Reg LoadWords(const std::uint16_t *p) {
+    return _mm256_loadu_si256(reinterpret_cast<const Reg *>(p));
+  }
+  static void StoreWords(std::uint16_t *p, Reg v) {
+    _mm256_storeu_si256(reinterpret_cast<Reg *>(p), v);
+  }
+  static Reg BytesToWords(const std::uint8_t *p) {
+    return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i *>(p)));
+  }
+  static Reg AddSatU16(Reg a, Reg b) { return _mm256_adds_epu16(a, b); }
 };
 
 }  // namespace

@@ -89,6 +89,22 @@ struct Sse2 {
   static Reg UnpackHi8(Reg a, Reg b) { return _mm_unpackhi_epi8(a, b); }
   static Reg PackUs16(Reg a, Reg b) { return _mm_packus_epi16(a, b); }
   static Reg CmpEq16(Reg a, Reg b) { return _mm_cmpeq_epi16(a, b); }
+
+  // Words (12-bit grey kernels).
+  // Whole registers of 16-bit words (kWords of them), and kWords coverage
+  // bytes widened to 16-bit lanes.
+  static constexpr std::size_t kWords = 8;
+  static Reg LoadWords(const std::uint16_t *p) {
+    return _mm_loadu_si128(reinterpret_cast<const Reg *>(p));
+  }
+  static void StoreWords(std::uint16_t *p, Reg v) {
+    _mm_storeu_si128(reinterpret_cast<Reg *>(p), v);
+  }
+  static Reg BytesToWords(const std::uint8_t *p) {
+    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const Reg *>(p)),
+                             _mm_setzero_si128());
+  }
+  static Reg AddSatU16(Reg a, Reg b) { return _mm_adds_epu16(a, b); }
 };
 
 }  // namespace
