@@ -99,15 +99,16 @@ TEST(ObjectsFillDiff, SpansMatchStepsForSeedsInAndOutsideTheLimits) {
 
 // Random regions, object and background values among the labels, first
 // labels a few steps before a reserved value or the wrap, both directions,
-// stops early, late or never; masks up to 64 x 48 for runs of many objects.
+// stops early, late or never; masks up to 64 x 48, a few up to 160 x 120,
+// for runs of many objects.
 template <class T>
 void CompareLabels(std::uint32_t seed, const std::vector<int> &values) {
   std::mt19937 rng(seed);
   const auto any = [&](int n) { return static_cast<int>(rng() % n); };
   const auto pick = [&] { return static_cast<T>(values[rng() % values.size()]); };
   for (int i = 0; i < 6000; ++i) {
-    const bool big = i % 8 == 0;
-    const int w = 1 + any(big ? 64 : 14), h = 1 + any(big ? 48 : 10);
+    const bool big = i % 8 == 0, huge = i % 200 == 0;
+    const int w = 1 + any(huge ? 160 : big ? 64 : 14), h = 1 + any(huge ? 120 : big ? 48 : 10);
     const T object = pick(), background = any(4) ? pick() : object;
     const int density = 30 + any(50);
     std::vector<T> a(w * h);

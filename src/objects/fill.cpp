@@ -132,18 +132,7 @@ class RunLabels {
   bool Label(T *buffer, int width, const ClampedRegion &r, T objectValue, T firstLabel,
              bool ascending, std::uint64_t plain) {
     if (!Collect(buffer, width, r, objectValue)) return false;
-    Number(r, plain);
-    const int rows = r.height + 1;
-    for (int y = 0; y < rows; ++y) {
-      T *row = buffer + static_cast<std::ptrdiff_t>(r.top + y) * width + r.left;
-      for (std::uint32_t j = rowStart_[y]; j < rowStart_[y + 1]; ++j) {
-        std::uint32_t f = parent_[j];
-        if ((f & kNumbered) == 0) f = parent_[f];  // the root, numbered after this run
-        if ((f & kNumbered) == 0) continue;
-        const T label = StepLabel(firstLabel, ascending, f & ~kNumbered);
-        std::fill(row + bounds_[2 * j], row + bounds_[2 * j + 1], label);
-      }
-    }
+    NumberAndWrite(buffer, width, r, firstLabel, ascending, plain);
     return true;
   }
 
@@ -164,6 +153,9 @@ class RunLabels {
   template <typename T>
   bool Collect(const T *buffer, int width, const ClampedRegion &r, T objectValue) {
     const int cols = r.width + 1, rows = r.height + 1;
+    // A row wider than the runs allowed is left to the scan (and keeps the
+    // sizes below within a 32-bit size_t).
+    if (static_cast<std::uint32_t>(cols) > kMaxRuns) return false;
     // Room for as many runs as the rows can hold, up to kMaxRuns, and for
     // one row's column numbers beyond the last run; the pages are touched
     // only as runs are written.
@@ -171,6 +163,9 @@ class RunLabels {
         std::min<std::uint64_t>(kMaxRuns, static_cast<std::uint64_t>(cols / 2 + 1) * rows));
     bounds_.reset(new int[2 * room + static_cast<std::size_t>(cols) + 2]);
     parent_.reset(new std::uint32_t[room]);
+    // The pairs of runs that meet between two rows: at most one per run of
+    // either row.
+    pairs_.reset(new std::uint32_t[2 * static_cast<std::size_t>(cols) + 4]);
     rowStart_.assign(static_cast<std::size_t>(rows) + 1, 0);
     std::uint32_t n = 0;
     for (int y = 0; y < rows; ++y) {
@@ -192,53 +187,71 @@ class RunLabels {
       if (found > room - n) return false;
       const std::uint32_t above = y > 0 ? rowStart_[y - 1] : 0, aboveEnd = n;
       rowStart_[y] = n;
-      // Each run joined with the runs above that share a column.
-      std::uint32_t k = above;
-      for (std::uint32_t end = n + found; n < end; ++n) {
-        const int x1 = bounds_[2 * n], stop = bounds_[2 * n + 1];
-        std::uint32_t root = n;
-        parent_[n] = n;
-        while (k < aboveEnd && bounds_[2 * k + 1] <= x1) ++k;
-        for (std::uint32_t a = k; a < aboveEnd && bounds_[2 * a] < stop; ++a) {
-          const std::uint32_t ra = Find(a);
-          if (ra < root) {
-            parent_[root] = ra;
-            root = ra;
-          } else if (ra > root) {
-            parent_[ra] = root;
-          }
-          if (bounds_[2 * a + 1] > stop) break;
-        }
+      // Each run joined with the runs above that share a column: the two
+      // rows' runs swept in column order, each step leaving behind the run
+      // that ends first (no later run of the other row reaches it), the
+      // pairs that meet noted without a branch and joined afterwards.
+      const std::uint32_t end = n + found;
+      std::uint32_t *pairs = pairs_.get();
+      std::size_t np = 0;
+      for (std::uint32_t i = n, a = above; i < end && a < aboveEnd;) {
+        const int x1 = bounds_[2 * i], stop = bounds_[2 * i + 1];
+        const int aboveX1 = bounds_[2 * a], aboveStop = bounds_[2 * a + 1];
+        pairs[np] = i;
+        pairs[np + 1] = a;
+        np += 2 * (aboveX1 < stop && aboveStop > x1);
+        const bool leaveRun = stop <= aboveStop;
+        i += leaveRun;
+        a += !leaveRun;
       }
+      for (std::uint32_t i = n; i < end; ++i) parent_[i] = i;
+      for (std::size_t p = 0; p < np; p += 2) {
+        const std::uint32_t ri = Find(pairs[p]), ra = Find(pairs[p + 1]);
+        if (ra < ri) parent_[ri] = ra;
+        if (ri < ra) parent_[ra] = ri;
+      }
+      n = end;
     }
     rowStart_[rows] = n;
     return true;
   }
 
   // Replaces each run's parent by its object's number (with kNumbered) or,
-  // while the object has none, by the root; an object first numbered at a
-  // later run (its earlier runs all in the unscanned column) has the number
-  // in its root's entry. Runs are taken in raster order and a parent always
-  // comes before its child, so the parent's entry is already a number or a
-  // root.
-  void Number(const ClampedRegion &r, std::uint64_t plain) {
+  // while the object has none, by the root, and writes the label of each
+  // numbered run. Runs are taken in raster order and a parent always comes
+  // before its child, so the parent's entry is already a number or a root.
+  // An object first numbered after some of its runs (those in the unscanned
+  // column, each the last of its row) has the number in its root's entry:
+  // those runs are written at the end.
+  template <typename T>
+  void NumberAndWrite(T *buffer, int width, const ClampedRegion &r, T firstLabel, bool ascending,
+                      std::uint64_t plain) {
     std::uint32_t next = 0;
+    const auto write = [&](T *row, std::uint32_t j, std::uint32_t number) {
+      const T label = StepLabel(firstLabel, ascending, number & ~kNumbered);
+      std::fill(row + bounds_[2 * j], row + bounds_[2 * j + 1], label);
+    };
     for (int y = 0; y <= r.height; ++y) {
+      T *row = buffer + static_cast<std::ptrdiff_t>(r.top + y) * width + r.left;
+      const bool scannedRow = y < r.height;
       for (std::uint32_t j = rowStart_[y]; j < rowStart_[y + 1]; ++j) {
-        std::uint32_t root = j;
-        if (parent_[j] != j) {
-          const std::uint32_t up = parent_[parent_[j]];
-          if ((up & kNumbered) != 0 || (parent_[up] & kNumbered) != 0) {
-            parent_[j] = (up & kNumbered) != 0 ? up : parent_[up];
-            continue;
-          }
-          root = up;
-        }
-        parent_[j] = root;
-        if (y == r.height || bounds_[2 * j] == r.width) continue;  // not scanned
-        if (next < plain) {
-          parent_[root] = parent_[j] = next++ | kNumbered;
-        } else if (!more) {
+        // The parent's entry is a number or the root; the root's entry (the
+        // run's own while it is a root) then a number or the root itself.
+        // Taken without branches on which it is: the second load reads
+        // some entry before j when the first was a number.
+        const std::uint32_t up = parent_[parent_[j]];
+        const std::uint32_t upEntry = parent_[up & ~kNumbered];
+        const std::uint32_t found = (up & kNumbered) != 0 ? up : upEntry;
+        const bool numbered = (found & kNumbered) != 0;
+        const bool scanned = scannedRow && bounds_[2 * j] != r.width;
+        const bool fresh = !numbered && scanned && next < plain;
+        const std::uint32_t entry = fresh ? (next | kNumbered) : found;
+        parent_[fresh ? found : j] = entry;
+        parent_[j] = entry;
+        next += fresh;
+        if ((entry & kNumbered) != 0) {
+          write(row, j, entry);
+        } else if (scanned && !more) {
           more = true;
           nextX = r.left + bounds_[2 * j];
           nextY = r.top + y;
@@ -246,12 +259,22 @@ class RunLabels {
       }
     }
     labelled = next;
+    for (int y = 0; y < r.height; ++y) {
+      const std::uint32_t j = rowStart_[y + 1] - 1;
+      if (rowStart_[y + 1] == rowStart_[y] || bounds_[2 * j] != r.width) continue;
+      // Numbered already, or the root (perhaps the run itself) holds it.
+      const std::uint32_t number = (parent_[j] & kNumbered) != 0 ? parent_[j] : parent_[parent_[j]];
+      if ((number & kNumbered) != 0) {
+        write(buffer + static_cast<std::ptrdiff_t>(r.top + y) * width + r.left, j, number);
+      }
+    }
   }
 
   // Run j covers the columns bounds_[2j] up to, not including,
   // bounds_[2j + 1], counted from the region's left.
   std::unique_ptr<int[]> bounds_;
   std::unique_ptr<std::uint32_t[]> parent_;
+  std::unique_ptr<std::uint32_t[]> pairs_;
   std::vector<std::uint32_t> rowStart_;  // each row's first run, and the end
 };
 
