@@ -110,7 +110,8 @@ void CompareLabels(std::uint32_t seed, const std::vector<int> &values) {
     const bool big = i % 8 == 0, huge = i % 200 == 0;
     const int w = 1 + any(huge ? 160 : big ? 64 : 14), h = 1 + any(huge ? 120 : big ? 48 : 10);
     const T object = pick(), background = any(4) ? pick() : object;
-    const int density = 30 + any(50);
+    // Sparse and dense masks too, for rows with long stretches in or out.
+    const int density = any(4) == 0 ? (any(2) ? 2 : 98) : 30 + any(50);
     std::vector<T> a(w * h);
     for (T &v : a) v = any(100) < density ? object : any(4) ? background : pick();
     std::vector<T> b = a;

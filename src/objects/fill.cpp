@@ -139,6 +139,7 @@ class RunLabels {
  private:
   // Marks an object's number in parent_, above every run number.
   static constexpr std::uint32_t kNumbered = 0x80000000u;
+  static constexpr int kStretch = 32;
   static constexpr std::uint32_t kMaxRuns =
       sizeof(void *) >= 8 ? std::uint32_t{1} << 26 : std::uint32_t{1} << 22;
 
@@ -171,15 +172,27 @@ class RunLabels {
     for (int y = 0; y < rows; ++y) {
       const T *row = buffer + static_cast<std::ptrdiff_t>(r.top + y) * width + r.left;
       // Every column where the row enters or leaves objectValue, written
-      // without a branch: the runs' starts and ends by turns.
+      // without a branch per pixel: the runs' starts and ends by turns.
+      // Stretches of kStretch pixels that all stay inside or all stay
+      // outside are counted (a sum the compiler vectorises) and passed over.
       int *b = bounds_.get() + 2 * static_cast<std::size_t>(n);
       std::size_t nb = 0;
       bool in = false;
-      for (int x = 0; x < cols; ++x) {
-        const bool object = row[x] == objectValue;
-        b[nb] = x;
-        nb += object != in;
-        in = object;
+      for (int x = 0; x < cols;) {
+        if (cols - x >= kStretch) {
+          int objects = 0;
+          for (int i = 0; i < kStretch; ++i) objects += row[x + i] == objectValue;
+          if (objects == (in ? kStretch : 0)) {
+            x += kStretch;
+            continue;
+          }
+        }
+        for (const int e = std::min(cols, x + kStretch); x < e; ++x) {
+          const bool object = row[x] == objectValue;
+          b[nb] = x;
+          nb += object != in;
+          in = object;
+        }
       }
       b[nb] = cols;
       nb += in;
