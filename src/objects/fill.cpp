@@ -140,6 +140,8 @@ class RunLabels {
   // Marks an object's number in parent_, above every run number.
   static constexpr std::uint32_t kNumbered = 0x80000000u;
   static constexpr int kStretch = 32;
+  // The most runs labelled this way, at 12 bytes a run (the rest go to the
+  // scan of fills): 768 MiB, or 48 MiB in a 32-bit process.
   static constexpr std::uint32_t kMaxRuns =
       sizeof(void *) >= 8 ? std::uint32_t{1} << 26 : std::uint32_t{1} << 22;
 
