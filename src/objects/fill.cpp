@@ -220,10 +220,19 @@ class RunLabels {
         a += !leaveRun;
       }
       for (std::uint32_t i = n; i < end; ++i) parent_[i] = i;
+      // The pairs come run by run; a run's root is kept from one pair to the
+      // next (only its own pairs can move it), and is the run itself at its
+      // first pair.
+      std::uint32_t run = end, root = 0;
       for (std::size_t p = 0; p < np; p += 2) {
-        const std::uint32_t ri = Find(pairs[p]), ra = Find(pairs[p + 1]);
-        if (ra < ri) parent_[ri] = ra;
-        if (ri < ra) parent_[ra] = ri;
+        if (pairs[p] != run) run = root = pairs[p];
+        const std::uint32_t ra = Find(pairs[p + 1]);
+        if (ra < root) {
+          parent_[root] = ra;
+          root = ra;
+        } else if (ra > root) {
+          parent_[ra] = root;
+        }
       }
       n = end;
     }
