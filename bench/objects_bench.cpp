@@ -18,6 +18,13 @@
 //   FollowContour              the outer contour of the largest blob, on a
 //                              mask holding just that blob; peer:
 //                              cv::findContours, external, no approximation
+//   Fill/open/seeded-outside   on a mask with every pixel set, a fill seeded
+//                              at (0, 0) outside its limits (left and top
+//                              256, 1536 x 1536); the walk steps only toward
+//                              the limits and fills columns and rows 0 ..
+//                              1792; peer: the same fill seeded inside,
+//                              limits 0 .. 1792 each way, which rewrites the
+//                              same pixels (compared byte for byte)
 //   MultiObjectFeatureExtract  count, centroid, perimeter and histogram of
 //                              every object of a labelled buffer; peer:
 //                              cv::connectedComponentsWithStats (labels,
@@ -28,6 +35,7 @@
 // a plain breadth-first labelling of the mask: the labels must make the same
 // partition, the fill the same pixels, the contour as many points, and the
 // features the reference's areas and centroids.
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -51,9 +59,10 @@ constexpr int kSize = 2048;
 constexpr std::size_t kPixels = static_cast<std::size_t>(kSize) * kSize;
 
 // Targets, ours / OpenCV speed.
-constexpr double kLabelTarget = 1.0;       // blobs and text
-constexpr double kLabelNoiseTarget = 0.5;  // noise: within 2x
+constexpr double kLabelTarget = 1.0;       // labelling; fills on blobs and text
+constexpr double kLabelNoiseTarget = 0.5;  // fill on noise: within 2x
 constexpr double kContourTarget = 1.0;
+constexpr double kFillOutsideTarget = 0.5;  // seeded outside: within 2x of inside
 
 using Mask = std::vector<unsigned char>;
 
@@ -181,7 +190,7 @@ void AddLabelling(const std::shared_ptr<Scene> &s) {
   p.label = "ColorBinaryObjects<int>/" + s->name;
   p.peerName = "cv::connectedComponents";
   p.pixels = static_cast<std::int64_t>(kPixels);
-  p.target = s->name == "noise" ? kLabelNoiseTarget : kLabelTarget;
+  p.target = kLabelTarget;
   p.ours = [s] {
     int *b = s->ours.data();
     const unsigned char *m = s->mask.data();
@@ -313,7 +322,31 @@ void AddFeatures(const std::shared_ptr<Scene> &s) {
   ostrel_bench::AddPair(std::move(p));
 }
 
+// A fill seeded outside its limits against one seeded inside, both
+// rewriting columns and rows 0 .. 1792 of a mask with every pixel set (the
+// values 1 and 2 alternate, so each run does the same work).
+void AddFillOutside() {
+  auto mask = std::make_shared<Mask>(kPixels, 1);
+  constexpr int kInset = 256, kEnd = kSize - kInset;
+  const auto fill = [mask](int seedX, int seedY, int left, int top, int size) {
+    const unsigned char v = (*mask)[seedY * kSize + seedX] == 1 ? 2 : 1;
+    Fill<unsigned char>(mask->data(), kSize, kSize, seedX, seedY, left, top, size, size, v,
+                        nullptr);
+  };
+  Pair p;
+  p.label = "Fill/open/seeded-outside";
+  p.peerName = "seeded-inside";
+  p.pixels = static_cast<std::int64_t>(kEnd + 1) * (kEnd + 1);
+  p.target = kFillOutsideTarget;
+  p.ours = [fill] { fill(0, 0, kInset, kInset, kEnd - kInset); };
+  p.peer = [fill] { fill(kSize / 2, kSize / 2, 0, 0, kEnd); };
+  p.reset = [mask] { std::fill(mask->begin(), mask->end(), 1); };
+  p.output = {mask->data(), mask->size()};
+  ostrel_bench::AddPair(std::move(p));
+}
+
 const bool kRegistered = [] {
+  AddFillOutside();
   const struct {
     const char *name;
     Mask (*make)();

@@ -103,41 +103,34 @@ class FillEngine {
   // of the seed's value target (fill != target), stepping right only while
   // x < right, left only while x > left, down only while y < bottom and up
   // only while y > top: for a seed within the limits the 4-connected
-  // component inside them. Returns the number of pixels rewritten.
-  std::size_t Fill(T *buffer, int width, int x, int y, const FillLimits &limits, T target, T fill) {
-    return limits.Contains(x, y) ? FillSpans(buffer, width, x, y, limits, target, fill)
-                                 : FillStepwise(buffer, width, x, y, limits, target, fill);
-  }
-
- private:
-  struct Seed {
-    int x;
-    int y;
-  };
-  struct Span {
-    int y;   // the row to scan
-    int x1;  // the filled run of row y - dy, next to it
-    int x2;
-    int dy;
-  };
-
-  static T *RowOf(T *buffer, int width, int y) {
-    return buffer + static_cast<std::ptrdiff_t>(y) * width;
-  }
-
+  // component inside them; for a seed outside them, only the steps toward
+  // them are open while a coordinate is outside. Returns the number of
+  // pixels rewritten.
+  //
   // Scanline fill. The seed's run is filled first; each stack entry then
   // names a row to scan and the run of the row it came from (dy: the step
   // from that row to this one). Every run found there that touches the
-  // parent run is grown to its full length within the limits, filled, and
-  // hands on the row beyond it; where the new run overhangs its parent, the
-  // overhang is also looked at in the parent's row, which is all the
-  // rescanning needed: runs are always grown to full length, so the parent
-  // row's pixel just outside the parent run is never of the target value.
-  std::size_t FillSpans(T *buffer, int width, int x, int y, const FillLimits &limits, T target,
-                        T fill) {
+  // parent run is grown as far as the steps allow, filled, and hands on the
+  // row beyond it; where the new run overhangs its parent, the overhang is
+  // also looked at in the parent's row, which is all the rescanning needed:
+  // a run can only overhang on a side where its parent's growth was stopped
+  // by a pixel not of the target value (the limit was still ahead of it
+  // there), so the parent row's pixel just outside the parent run is never
+  // of the target value.
+  //
+  // The step conditions depend on one coordinate each, so a run is grown
+  // left only while its end is right of the left limit and right only while
+  // it is left of the right limit; a row above is entered only while it is
+  // not above the top limit, a row below only while it is not below the
+  // bottom one (from outside the limits that leaves the one step toward
+  // them). A run that starts outside the limits is not grown away from them,
+  // and a run stopped by the right limit may have a pixel of the target
+  // value next to it, under the parent run: the scan goes on there.
+  std::size_t Fill(T *buffer, int width, int x, int y, const FillLimits &limits, T target, T fill) {
     stack_.clear();
     const auto push = [&](int row, int x1, int x2, int dy) {
-      if (row >= limits.top && row <= limits.bottom) stack_.push_back(Span{row, x1, x2, dy});
+      if (dy < 0 ? row >= limits.top : row <= limits.bottom)
+        stack_.push_back(Span{row, x1, x2, dy});
     };
     T *row = RowOf(buffer, width, y);
     int first = x, last = x;
@@ -166,44 +159,30 @@ class FillEngine {
         push(s.y + s.dy, l, r, s.dy);
         if (l < s.x1 - 1) push(s.y - s.dy, l, s.x1 - 2, -s.dy);
         if (r > s.x2 + 1) push(s.y - s.dy, s.x2 + 2, r, -s.dy);
-        // r + 1 is not of the target value, or past the limits. A run that
-        // reaches the parent's end ends the scan here: r + 2 would pass
-        // INT_MAX at the last column of a buffer INT_MAX wide.
+        // A run that reaches the parent's end ends the scan here: r + 2
+        // would pass INT_MAX at the last column of a buffer INT_MAX wide.
         if (r >= s.x2) break;
-        i = r + 2;
+        // r + 1 is not of the target value when the run stopped before the
+        // right limit; past it, r + 1 is still to be looked at.
+        i = r < limits.right ? r + 2 : r + 1;
       }
     }
     return filled;
   }
 
-  // Pixel by pixel, with the step conditions tested at every pixel: for a
-  // seed outside the limits, from which only the steps toward them are open.
-  std::size_t FillStepwise(T *buffer, int width, int x, int y, const FillLimits &limits, T target,
-                           T fill) {
-    std::size_t filled = 1;
-    RowOf(buffer, width, y)[x] = fill;
-    seeds_.clear();
-    seeds_.push_back(Seed{x, y});
-    const auto visit = [&](int nx, int ny) {
-      T &p = RowOf(buffer, width, ny)[nx];
-      if (p != target) return;
-      p = fill;
-      ++filled;
-      seeds_.push_back(Seed{nx, ny});
-    };
-    while (!seeds_.empty()) {
-      const Seed s = seeds_.back();
-      seeds_.pop_back();
-      if (s.x < limits.right) visit(s.x + 1, s.y);
-      if (s.x > limits.left) visit(s.x - 1, s.y);
-      if (s.y < limits.bottom) visit(s.x, s.y + 1);
-      if (s.y > limits.top) visit(s.x, s.y - 1);
-    }
-    return filled;
+ private:
+  struct Span {
+    int y;   // the row to scan
+    int x1;  // the filled run of row y - dy, next to it
+    int x2;
+    int dy;
+  };
+
+  static T *RowOf(T *buffer, int width, int y) {
+    return buffer + static_cast<std::ptrdiff_t>(y) * width;
   }
 
   std::vector<Span> stack_;
-  std::vector<Seed> seeds_;
 };
 
 }  // namespace objects
