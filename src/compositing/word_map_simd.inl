@@ -1,0 +1,153 @@
+// Per-pixel maps of 12-bit grey buffers: the vector kernels, written once for
+// any vector width V (simd_sse2.h, simd_avx2.h) and included by the SSE2 and
+// AVX2 kernel files. Every kernel gives exactly the results of its scalar
+// definition in word_map_scalar.cpp.
+//
+// A step takes V::kBytes pixels: two registers of source words (and the
+// coverage bytes, widened to 16-bit lanes), maps each lane, and stores two
+// registers of words or one of bytes. The last pixels of a row go through a
+// short copy, so no vector access reaches past the row.
+#include <cstring>
+
+#include "compositing/simd_lanes.h"
+
+namespace ostrel {
+namespace compositing {
+namespace {
+
+template <class V>
+using Reg = typename V::Reg;
+
+// ---- Kernels: 16-bit lanes in, 16-bit lanes out ----------------------------
+
+// v * W / 255 with W = (c * o) / 255. The product reaches 65535 * 255, so it
+// is divided in two 16-bit parts: with v = 255 * q + r (q = v / 255, r in
+// 0..254), v * W / 255 = q * W + (r * W) / 255 exactly, where q * W is at most
+// 257 * 255 = 65535 and r * W at most 254 * 255, both within a lane and within
+// the range of Div255.
+template <class V>
+struct ApplyAlpha {
+  static constexpr bool kAlpha = true, kBytes = false;
+  static Reg<V> Lanes(Reg<V> v, Reg<V> c, const WordMap &m) {
+    const Reg<V> w =
+        m.opacity == 255
+            ? c
+            : Div255<V>(V::MulLo16(c, V::Set16(static_cast<std::uint16_t>(m.opacity))));
+    const Reg<V> q = Div255<V>(v);
+    const Reg<V> r = V::Sub16(v, V::MulLo16(q, V::Set16(255)));
+    return V::Add16(V::MulLo16(q, w), Div255<V>(V::MulLo16(r, w)));
+  }
+};
+
+template <class V>
+struct TwoLevelWords {
+  static constexpr bool kAlpha = false, kBytes = false;
+  static Reg<V> Lanes(Reg<V> v, Reg<V>, const WordMap &m) {
+    return V::AndNot(V::CmpEq16(v, V::Zero()), V::Set16(m.level));
+  }
+};
+
+template <class V>
+struct TwoLevelBytes {
+  static constexpr bool kAlpha = false, kBytes = true;
+  static Reg<V> Lanes(Reg<V> v, Reg<V>, const WordMap &) {
+    return V::AndNot(V::CmpEq16(v, V::Zero()), V::Set16(255));
+  }
+};
+
+template <class V>
+struct LevelBytes {
+  static constexpr bool kAlpha = false, kBytes = true;
+  static Reg<V> Lanes(Reg<V> v, Reg<V>, const WordMap &) {
+    return V::And(V::template ShiftRight16<4>(v), V::Set16(0xFF));
+  }
+};
+
+// ---- The row loop ----------------------------------------------------------
+
+inline std::uintptr_t Address(const void *p) { return reinterpret_cast<std::uintptr_t>(p); }
+
+// Whether results stored a step at a time read the same inputs as the scalar
+// loop, which stores pixel i before it reads pixel i + 1: true when the
+// output bytes [out, out + n * outSize) and the input bytes [in, in + n *
+// inSize) do not overlap, or when the output starts at or before the input and
+// advances no faster (then no store reaches an input not yet read).
+inline bool StepsReadAsScalar(const void *out, std::size_t outSize, const void *in,
+                              std::size_t inSize, std::size_t n) {
+  const std::uintptr_t o = Address(out), i = Address(in);
+  if (o + n * outSize <= i || i + n * inSize <= o) return true;
+  return o <= i && outSize <= inSize;
+}
+
+template <class Kernel>
+bool RowReadsAsScalar(const WordRow &r) {
+  const void *out = Kernel::kBytes ? static_cast<const void *>(r.bytes) : r.words;
+  const std::size_t outSize = Kernel::kBytes ? 1 : 2;
+  return StepsReadAsScalar(out, outSize, r.src, 2, r.n) &&
+         (!Kernel::kAlpha || StepsReadAsScalar(out, outSize, r.alpha, 1, r.n));
+}
+
+template <class V, class Kernel>
+void Step(const WordRow &r, const WordMap &m, std::size_t i) {
+  constexpr std::size_t kWords = V::kBytes / 2;
+  const Reg<V> v0 = V::LoadBytes(r.src + i), v1 = V::LoadBytes(r.src + i + kWords);
+  Reg<V> c0 = V::Zero(), c1 = V::Zero();
+  if (Kernel::kAlpha) {
+    const Reg<V> c = V::LoadBytes(r.alpha + i);
+    c0 = V::WidenBytesLo(c);
+    c1 = V::WidenBytesHi(c);
+  }
+  const Reg<V> x0 = Kernel::Lanes(v0, c0, m), x1 = Kernel::Lanes(v1, c1, m);
+  if (Kernel::kBytes) {
+    V::StoreBytes(r.bytes + i, V::NarrowWords(x0, x1));
+  } else {
+    V::StoreBytes(r.words + i, x0);
+    V::StoreBytes(r.words + i + kWords, x1);
+  }
+}
+
+// entry names the kernel's scalar definition, which takes rows whose outputs
+// overlap their inputs in a way the steps would read differently.
+template <class V, class Kernel, WordRowKernel WordMapKernels::*entry>
+void RunWordRow(const WordRow &row, const WordMap &map) {
+  // Local copies: stores to the destination cannot change them.
+  const WordRow r = row;
+  const WordMap m = map;
+  if (!RowReadsAsScalar<Kernel>(r)) return (WordMapKernelsScalar.*entry)(r, m);
+  std::size_t i = 0;
+  for (; i + V::kBytes <= r.n; i += V::kBytes) Step<V, Kernel>(r, m, i);
+  if (i == r.n) return;
+
+  const WordRow rest = r.From(i);
+  std::uint16_t src[V::kBytes] = {}, words[V::kBytes] = {};
+  std::uint8_t bytes[V::kBytes] = {}, alpha[V::kBytes] = {};
+  WordRow copy;
+  copy.n = V::kBytes;
+  copy.src = static_cast<std::uint16_t *>(std::memcpy(src, rest.src, rest.n * 2));
+  copy.words = words;
+  copy.bytes = bytes;
+  if (Kernel::kAlpha)
+    copy.alpha = static_cast<std::uint8_t *>(std::memcpy(alpha, rest.alpha, rest.n));
+  Step<V, Kernel>(copy, m, 0);
+  if (Kernel::kBytes) {
+    std::memcpy(rest.bytes, bytes, rest.n);
+  } else {
+    std::memcpy(rest.words, words, rest.n * 2);
+  }
+}
+
+// The entries every vector table shares; the lookup differs per table.
+template <class V>
+constexpr WordMapKernels MakeWordMapKernels(WordRowKernel lookup) {
+  return WordMapKernels{
+      RunWordRow<V, ApplyAlpha<V>, &WordMapKernels::applyAlpha>,
+      RunWordRow<V, TwoLevelWords<V>, &WordMapKernels::twoLevelWords>,
+      RunWordRow<V, TwoLevelBytes<V>, &WordMapKernels::twoLevelBytes>,
+      RunWordRow<V, LevelBytes<V>, &WordMapKernels::levelBytes>,
+      lookup,
+  };
+}
+
+}  // namespace
+}  // namespace compositing
+}  // namespace ostrel
