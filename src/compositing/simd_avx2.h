@@ -37,6 +37,8 @@ struct Avx2 {
   // a register of bytes.
   static Reg WidenBytesLo(Reg a) { return _mm256_cvtepu8_epi16(_mm256_castsi256_si128(a)); }
   static Reg WidenBytesHi(Reg a) { return _mm256_cvtepu8_epi16(_mm256_extracti128_si256(a, 1)); }
+  // a + b, unsigned 16-bit lanes, saturating at 65535.
+  static Reg AddSatU16(Reg a, Reg b) { return _mm256_adds_epu16(a, b); }
   // Two registers of 16-bit lanes, each in 0..255, narrowed to bytes in order
   // (the pack works inside 128-bit halves; the permute puts them in order).
   static Reg NarrowWords(Reg lo, Reg hi) {

@@ -42,6 +42,8 @@ struct Sse2 {
   // a register of bytes.
   static Reg WidenBytesLo(Reg a) { return _mm_unpacklo_epi8(a, _mm_setzero_si128()); }
   static Reg WidenBytesHi(Reg a) { return _mm_unpackhi_epi8(a, _mm_setzero_si128()); }
+  // a + b, unsigned 16-bit lanes, saturating at 65535.
+  static Reg AddSatU16(Reg a, Reg b) { return _mm_adds_epu16(a, b); }
   // Two registers of 16-bit lanes, each in 0..255, narrowed to bytes in order.
   static Reg NarrowWords(Reg lo, Reg hi) { return _mm_packus_epi16(lo, hi); }
 

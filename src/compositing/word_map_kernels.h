@@ -56,8 +56,8 @@ struct WordMapKernels {
 
 OSTREL_KERNEL_FAMILY(WordMapKernels)
 
-// The lookup kernel of the scalar and SSE2 tables: words looked up one at a
-// time (SSE2 has no gather).
+// The lookup kernel of the scalar table: words looked up one at a time. The
+// vector tables end their rows with it.
 void LookupWordsRow(const WordRow &row, const WordMap &map);
 
 }  // namespace compositing

@@ -1,5 +1,4 @@
-// Per-pixel maps of 12-bit grey buffers with SSE2 (the lookup stays scalar:
-// SSE2 has no gather).
+// Per-pixel maps of 12-bit grey buffers with SSE2.
 #include "compositing/simd_sse2.h"
 #include "compositing/word_map_kernels.h"
 #include "compositing/word_map_simd.inl"
@@ -8,7 +7,7 @@
 namespace ostrel {
 namespace compositing {
 
-constexpr WordMapKernels WordMapKernelsSse2 = MakeWordMapKernels<Sse2>(LookupWordsRow);
+constexpr WordMapKernels WordMapKernelsSse2 = MakeWordMapKernels<Sse2>();
 
 }  // namespace compositing
 }  // namespace ostrel
