@@ -55,24 +55,20 @@ const Entry kEntries[] = {
     {"lookup", &WordMapKernels::lookup, true, false, 0},
 };
 
-// The results of one kernel on one row: the words or bytes of the whole
-// buffer the row ends, so stores outside the row show too.
-struct Result {
-  std::vector<u16> words;
-  std::vector<u8> bytes;
-  bool operator==(const Result &o) const { return words == o.words && bytes == o.bytes; }
-};
+// The results of one kernel on one row: the words and bytes of the whole
+// buffers the row ends, so stores outside the row show too.
+using Result = std::pair<std::vector<u16>, std::vector<u8>>;
 
 Result RunRow(const WordMapKernels &t, const Entry &e, const std::vector<u16> &src,
               const std::vector<u8> &alpha, std::size_t off, const WordMap &m) {
   const std::size_t n = src.size() - off;
   Result out{src, std::vector<u8>(off + n, 0x5A)};
-  if (!e.inPlace) std::fill(out.words.begin(), out.words.end(), u16(0xA5A5));
+  if (!e.inPlace) std::fill(out.first.begin(), out.first.end(), u16(0xA5A5));
   WordRow row;
   row.n = n;
-  row.src = e.inPlace ? out.words.data() + off : src.data() + off;
-  row.words = out.words.data() + off;
-  row.bytes = e.toBytes ? out.bytes.data() + off : nullptr;
+  row.src = e.inPlace ? out.first.data() + off : src.data() + off;
+  row.words = out.first.data() + off;
+  row.bytes = e.toBytes ? out.second.data() + off : nullptr;
   row.alpha = alpha.data() + off;
   (t.*e.kernel)(row, m);
   return out;

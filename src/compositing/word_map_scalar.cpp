@@ -29,12 +29,7 @@ void LevelBytes(const WordRow &r, const WordMap &) {
 }  // namespace
 
 void LookupWordsRow(const WordRow &r, const WordMap &m) {
-  // Locals: the stores could otherwise alias the row's and table's pointers.
-  const std::uint16_t *const src = r.src;
-  std::uint16_t *const dst = r.words;
-  const std::uint16_t *const table = m.table;
-  const std::size_t n = r.n;
-  for (std::size_t i = 0; i < n; ++i) dst[i] = table[src[i]];
+  for (std::size_t i = 0; i < r.n; ++i) r.words[i] = m.table[r.src[i]];
 }
 
 const WordMapKernels WordMapKernelsScalar = {ApplyAlpha, TwoLevelWords, TwoLevelBytes, LevelBytes,
