@@ -140,24 +140,35 @@ TEST(WordMapKernels, OverlappingRowsMatchScalar) {
 }
 
 // The alpha multiplication divides its 24-bit product by 255 in two 16-bit
-// parts: every word at every weight (alpha 255 makes the weight the opacity).
+// parts, and takes the weight by a multiply and shift: every word at every
+// weight (alpha 255 makes the weight the opacity), and every weight on word
+// 65535 (which it multiplies by 257).
 TEST(WordMapKernels, ApplyAlphaOnEveryWordAndWeight) {
   auto tables = VectorTables();
   tables.emplace_back("scalar", &ostrel::compositing::WordMapKernelsScalar);
   std::vector<u16> words(65536);
-  const std::vector<u8> alpha(65536, 255);
+  std::vector<u8> alpha(65536);
+  const auto run = [&](const WordMapKernels &t, u32 opacity) {
+    WordRow row;
+    row.n = words.size();
+    row.src = row.words = words.data();
+    row.alpha = alpha.data();
+    WordMap m;
+    m.opacity = opacity;
+    t.applyAlpha(row, m);
+  };
   for (const Table &t : tables) {
     for (u32 w = 0; w < 256; ++w) {
-      for (u32 v = 0; v < 65536; ++v) words[v] = u16(v);
-      WordRow row;
-      row.n = words.size();
-      row.src = row.words = words.data();
-      row.alpha = alpha.data();
-      WordMap m;
-      m.opacity = w;
-      t.second->applyAlpha(row, m);
+      for (u32 v = 0; v < 65536; ++v) words[v] = u16(v), alpha[v] = 255;
+      run(*t.second, w);
       for (u32 v = 0; v < 65536; ++v) {
         ASSERT_EQ(words[v], v * w / 255) << t.first << ", word " << v << ", weight " << w;
+      }
+      for (u32 v = 0; v < 65536; ++v) words[v] = 65535, alpha[v] = u8(v);
+      run(*t.second, w);
+      for (u32 c = 0; c < 65536; ++c) {
+        ASSERT_EQ(words[c], 257 * ((c & 255) * w / 255))
+            << t.first << ", alpha " << (c & 255) << ", opacity " << w;
       }
     }
   }

@@ -30,10 +30,13 @@ template <class V>
 struct ApplyAlpha {
   static constexpr bool kAlpha = true, kBytes = false;
   static Reg<V> Lanes(Reg<V> v, Reg<V> c, const WordMap &m) {
-    const Reg<V> w =
-        m.opacity == 255
-            ? c
-            : Div255<V>(V::MulLo16(c, V::Set16(static_cast<std::uint16_t>(m.opacity))));
+    // Below opacity 255, W = (c * M) >> 16 with M = o * 65536 / 255 rounded
+    // up: c * M / 65536 exceeds c * o / 255 by less than 255 / 65536, less than
+    // the 1 / 255 that c * o / 255 lies below the next whole number when it is
+    // not whole itself, so both truncate alike.
+    const Reg<V> w = m.opacity == 255 ? c
+                                      : V::MulHiU16(c, V::Set16(static_cast<std::uint16_t>(
+                                                           (m.opacity * 65536u + 254u) / 255u)));
     const Reg<V> hi = V::MulHiU16(v, w), lo = V::MulLo16(v, w);
     const Reg<V> hi257 = V::Add16(V::template ShiftLeft16<8>(hi), hi);
     return V::Add16(hi257, Div255<V>(V::AddSatU16(lo, hi)));
