@@ -138,7 +138,10 @@ void ApplyLUTToL08(unsigned char *buffer, unsigned int width, unsigned int heigh
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   compositing::GreyBlend blend;
   blend.table = table;
-  const compositing::GreyRowKernel kernel = compositing::ActiveGreyBlendKernels().lookup;
+  // Short rows skip the table's check of the row length.
+  const compositing::GreyRowKernel kernel = e.columns < compositing::kLookupVectorFrom
+                                                ? compositing::LookupRow
+                                                : compositing::ActiveGreyBlendKernels().lookup;
   for (std::uint32_t j = 0; j < e.rows; ++j)
     kernel(compositing::GreyRow{b.Row(j), e.columns}, blend);
 }

@@ -13,10 +13,6 @@ namespace ostrel {
 namespace compositing {
 namespace {
 
-// Rows shorter than this are looked up byte by byte (measured: below it the
-// vector form costs more than it saves).
-constexpr std::size_t kLookupVectorFrom = 40;
-
 // table[x] for 32 bytes x, the table given as sixteen rows of sixteen
 // entries, each row in both 128-bit halves of a register (the byte shuffle
 // looks up inside each half). The shuffle looks up the low nibble in a row
