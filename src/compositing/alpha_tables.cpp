@@ -105,7 +105,7 @@ void ApplyAlphaToL12(unsigned short *buffer, unsigned char *alpha, unsigned int 
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   compositing::WordMap map;
   map.opacity = opacity;
-  const compositing::WordRowKernel kernel = compositing::ActiveWordMapKernels().applyAlpha;
+  const compositing::WordRowKernel kernel = compositing::WordMapKernelsFor(e.columns).applyAlpha;
   for (std::uint32_t j = 0; j < e.rows; ++j) {
     compositing::WordRow row;
     row.n = e.columns;
@@ -153,7 +153,7 @@ void ApplyLUTToL12(unsigned short *buffer, unsigned int width, unsigned int heig
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   compositing::WordMap map;
   map.table = table;
-  const compositing::WordRowKernel kernel = compositing::ActiveWordMapKernels().lookup;
+  const compositing::WordRowKernel kernel = compositing::WordMapKernelsFor(e.columns).lookup;
   for (std::uint32_t j = 0; j < e.rows; ++j) {
     compositing::WordRow row;
     row.n = e.columns;

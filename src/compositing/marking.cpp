@@ -35,17 +35,19 @@ void ToTwoLevelInPlace(P *buffer, unsigned int width, unsigned int height, unsig
   });
 }
 
-// Runs a word map kernel over each row of the clipped two-buffer region: the
-// source words, and the destination's words or bytes (D).
+// Runs a word map kernel (entry of the tables) over each row of the clipped
+// two-buffer region: the source words, and the destination's words or bytes
+// (D).
 template <class D>
 void MapWordRows(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
                  unsigned int srcLeft, unsigned int srcTop, D *dst, unsigned int dstWidth,
                  unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                  unsigned int regionWidth, unsigned int regionHeight, const char *function,
-                 WordRowKernel kernel, const WordMap &map) {
+                 WordRowKernel WordMapKernels::*entry, const WordMap &map) {
   const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
   const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
+  const WordRowKernel kernel = WordMapKernelsFor(e.columns).*entry;
   frame::ForEachRowPair(s, d, e, [&](const unsigned short *in, D *out, std::uint32_t n) {
     WordRow row;
     row.n = n;
@@ -92,7 +94,7 @@ void ConvertL12To2LevelL12(unsigned short *buffer, unsigned int width, unsigned 
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   compositing::WordMap map;
   map.level = 255;
-  const compositing::WordRowKernel kernel = compositing::ActiveWordMapKernels().twoLevelWords;
+  const compositing::WordRowKernel kernel = compositing::WordMapKernelsFor(e.columns).twoLevelWords;
   frame::ForEachRow(b, e, [&](unsigned short *row, std::uint32_t n) {
     compositing::WordRow r;
     r.n = n;
@@ -110,7 +112,7 @@ void ConvertL12To2LevelL12(unsigned short *src, unsigned int srcWidth, unsigned 
   map.level = 4095;
   compositing::MapWordRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
                            dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                           compositing::ActiveWordMapKernels().twoLevelWords, map);
+                           &compositing::WordMapKernels::twoLevelWords, map);
 }
 
 void ConvertL12To2LevelL08(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
@@ -120,8 +122,7 @@ void ConvertL12To2LevelL08(unsigned short *src, unsigned int srcWidth, unsigned 
                            unsigned int regionHeight) {
   compositing::MapWordRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
                            dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                           compositing::ActiveWordMapKernels().twoLevelBytes,
-                           compositing::WordMap{});
+                           &compositing::WordMapKernels::twoLevelBytes, compositing::WordMap{});
 }
 
 void ConvertL012ToL08(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
@@ -130,7 +131,7 @@ void ConvertL012ToL08(unsigned short *src, unsigned int srcWidth, unsigned int s
                       unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight) {
   compositing::MapWordRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
                            dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                           compositing::ActiveWordMapKernels().levelBytes, compositing::WordMap{});
+                           &compositing::WordMapKernels::levelBytes, compositing::WordMap{});
 }
 
 void MarkL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,

@@ -11,7 +11,7 @@ OSTREL_BEGIN_AVX2
 namespace ostrel {
 namespace compositing {
 
-constexpr WordMapKernels WordMapKernelsAvx2 = MakeWordMapKernels<Avx2>();
+constexpr WordMapKernels WordMapKernelsAvx2 = MakeWordMapKernels<Avx2, &WordMapKernelsSse2>();
 
 }  // namespace compositing
 }  // namespace ostrel

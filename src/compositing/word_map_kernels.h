@@ -24,16 +24,6 @@ struct WordRow {
   std::uint16_t *words = nullptr;       // word results
   std::uint8_t *bytes = nullptr;        // byte results
   const std::uint8_t *alpha = nullptr;  // coverage bytes
-
-  WordRow From(std::size_t i) const {
-    WordRow r = *this;
-    r.n -= i;
-    r.src += i;
-    if (words) r.words += i;
-    if (bytes) r.bytes += i;
-    if (alpha) r.alpha += i;
-    return r;
-  }
 };
 
 // What stays the same for every row of a call.
@@ -56,9 +46,18 @@ struct WordMapKernels {
 
 OSTREL_KERNEL_FAMILY(WordMapKernels)
 
-// The lookup kernel of the scalar table: words looked up one at a time. The
-// vector tables end their rows with it.
+// The lookup kernel of the scalar table: words looked up one at a time.
 void LookupWordsRow(const WordRow &row, const WordMap &map);
+
+// Every table maps rows shorter than this with the scalar kernels (measured:
+// below it the vector forms cost more than they save), so a caller whose rows
+// are all shorter may take the scalar table itself.
+constexpr std::size_t kWordMapVectorFrom = 16;
+
+// The table to map rows of n pixels with.
+inline const WordMapKernels &WordMapKernelsFor(std::size_t n) {
+  return n < kWordMapVectorFrom ? WordMapKernelsScalar : ActiveWordMapKernels();
+}
 
 }  // namespace compositing
 }  // namespace ostrel

@@ -5,8 +5,9 @@
 //
 // A step takes V::kBytes pixels: two registers of source words (and the
 // coverage bytes, widened to 16-bit lanes), maps each lane, and stores two
-// registers of words or one of bytes. The last pixels of a row go through a
-// short copy, so no vector access reaches past the row.
+// registers of words or one of bytes. A row that is not a whole number of
+// steps ends with a step that overlaps the one before, so no vector access
+// reaches past the row.
 #include <cstring>
 
 #include "compositing/simd_lanes.h"
@@ -91,86 +92,113 @@ bool RowReadsAsScalar(const WordRow &r) {
          (!Kernel::kAlpha || StepsReadAsScalar(out, outSize, r.alpha, 1, r.n));
 }
 
+// A step's inputs: two registers of source words and, for the alpha kernel,
+// their coverage bytes widened to 16-bit lanes.
+template <class V>
+struct StepInputs {
+  Reg<V> v0, v1, c0, c1;
+};
+
 template <class V, class Kernel>
-void Step(const WordRow &r, const WordMap &m, std::size_t i) {
+StepInputs<V> LoadStep(const std::uint16_t *src, const std::uint8_t *alpha) {
   constexpr std::size_t kWords = V::kBytes / 2;
-  const Reg<V> v0 = V::LoadBytes(r.src + i), v1 = V::LoadBytes(r.src + i + kWords);
-  Reg<V> c0 = V::Zero(), c1 = V::Zero();
+  StepInputs<V> in{V::LoadBytes(src), V::LoadBytes(src + kWords), V::Zero(), V::Zero()};
   if (Kernel::kAlpha) {
-    const Reg<V> c = V::LoadBytes(r.alpha + i);
-    c0 = V::WidenBytesLo(c);
-    c1 = V::WidenBytesHi(c);
+    const Reg<V> c = V::LoadBytes(alpha);
+    in.c0 = V::WidenBytesLo(c);
+    in.c1 = V::WidenBytesHi(c);
   }
-  const Reg<V> x0 = Kernel::Lanes(v0, c0, m), x1 = Kernel::Lanes(v1, c1, m);
+  return in;
+}
+
+template <class V, class Kernel>
+void StoreStep(std::uint16_t *words, std::uint8_t *bytes, const StepInputs<V> &in,
+               const WordMap &m) {
+  constexpr std::size_t kWords = V::kBytes / 2;
+  const Reg<V> x0 = Kernel::Lanes(in.v0, in.c0, m), x1 = Kernel::Lanes(in.v1, in.c1, m);
   if (Kernel::kBytes) {
-    V::StoreBytes(r.bytes + i, V::NarrowWords(x0, x1));
+    V::StoreBytes(bytes, V::NarrowWords(x0, x1));
   } else {
-    V::StoreBytes(r.words + i, x0);
-    V::StoreBytes(r.words + i + kWords, x1);
+    V::StoreBytes(words, x0);
+    V::StoreBytes(words + kWords, x1);
   }
 }
 
-// entry names the kernel's scalar definition, which takes rows whose outputs
-// overlap their inputs in a way the steps would read differently.
-template <class V, class Kernel, WordRowKernel WordMapKernels::*entry>
+// entry names the kernel in the tables: rows shorter than a step go to the
+// narrower table's (the scalar one below kWordMapVectorFrom pixels), and rows
+// whose outputs overlap their inputs in a way the steps would read differently
+// to the scalar definition.
+template <class V, class Kernel, WordRowKernel WordMapKernels::*entry,
+          const WordMapKernels *narrower>
 void RunWordRow(const WordRow &row, const WordMap &map) {
-  // Local copies: stores to the destination cannot change them (as long as
-  // their addresses stay in this function: the scalar call takes the
-  // arguments).
-  const WordRow r = row;
-  const WordMap m = map;
-  if (!RowReadsAsScalar<Kernel>(r)) return (WordMapKernelsScalar.*entry)(row, map);
-  std::size_t i = 0;
-  for (; i + V::kBytes <= r.n; i += V::kBytes) Step<V, Kernel>(r, m, i);
-  if (i == r.n) return;
-
-  const WordRow rest = r.From(i);
-  std::uint16_t src[V::kBytes] = {}, words[V::kBytes] = {};
-  std::uint8_t bytes[V::kBytes] = {}, alpha[V::kBytes] = {};
-  WordRow copy;
-  copy.n = V::kBytes;
-  copy.src = static_cast<std::uint16_t *>(std::memcpy(src, rest.src, rest.n * 2));
-  copy.words = words;
-  copy.bytes = bytes;
-  if (Kernel::kAlpha)
-    copy.alpha = static_cast<std::uint8_t *>(std::memcpy(alpha, rest.alpha, rest.n));
-  Step<V, Kernel>(copy, m, 0);
-  if (Kernel::kBytes) {
-    std::memcpy(rest.bytes, bytes, rest.n);
-  } else {
-    std::memcpy(rest.words, words, rest.n * 2);
+  // Locals, field by field: stores to the destination cannot change them.
+  const std::size_t n = row.n;
+  const std::uint16_t *const src = row.src;
+  const std::uint8_t *const alpha = row.alpha;
+  std::uint16_t *const words = row.words;
+  std::uint8_t *const bytes = row.bytes;
+  WordMap m;
+  m.opacity = map.opacity;
+  m.level = map.level;
+  if (n < V::kBytes) {
+    return (n < kWordMapVectorFrom ? WordMapKernelsScalar.*entry : narrower->*entry)(row, map);
   }
+  if (!RowReadsAsScalar<Kernel>(row)) return (WordMapKernelsScalar.*entry)(row, map);
+  // The last step's inputs are read before any store. When the row is not a
+  // whole number of steps, that step ends it, storing again the results the
+  // step before has stored for the pixels they share: the same inputs, so the
+  // same results.
+  const std::size_t last = n - V::kBytes;
+  const auto at = [&](std::size_t i) {
+    return LoadStep<V, Kernel>(src + i, Kernel::kAlpha ? alpha + i : nullptr);
+  };
+  const auto store = [&](std::size_t i, const StepInputs<V> &in) {
+    StoreStep<V, Kernel>(Kernel::kBytes ? nullptr : words + i, Kernel::kBytes ? bytes + i : nullptr,
+                         in, m);
+  };
+  const StepInputs<V> lastInputs = at(last);
+  std::size_t i = 0;
+  for (; i <= last; i += V::kBytes) store(i, at(i));
+  if (i != n) store(last, lastInputs);
 }
 
 // The word lookup of the vector tables. Gathers measured slower here than
 // loads of one word at a time, and what pays is storing the results eight at
 // a time: eight words are looked up into a block, then stored together. That
 // reads what the scalar loop reads while the table lies apart from the words
-// written; other rows go word by word.
+// written; shorter rows and other rows go word by word.
 inline void LookupWordsByEight(const WordRow &row, const WordMap &map) {
-  const WordRow r = row;
+  const std::uint16_t *const src = row.src;
+  std::uint16_t *const dst = row.words;
   const std::uint16_t *const table = map.table;
+  const std::size_t n = row.n;
   constexpr std::size_t kTableBytes = 65536 * 2;
-  std::size_t i = 0;
-  if (StepsReadAsScalar(r.words, 2, r.src, 2, r.n) &&
-      (Address(r.words) + 2 * r.n <= Address(table) ||
-       Address(table) + kTableBytes <= Address(r.words))) {
-    for (; i + 8 <= r.n; i += 8) {
-      std::uint16_t block[8];
-      for (std::size_t k = 0; k < 8; ++k) block[k] = table[r.src[i + k]];
-      std::memcpy(r.words + i, block, sizeof block);
-    }
+  if (n < kWordMapVectorFrom || !StepsReadAsScalar(dst, 2, src, 2, n) ||
+      !(Address(dst) + 2 * n <= Address(table) || Address(table) + kTableBytes <= Address(dst)))
+    return LookupWordsRow(row, map);
+  // The last eight words, looked up before any store, end the row as the
+  // vector steps do.
+  std::uint16_t lastBlock[8];
+  if (n % 8 != 0) {
+    for (std::size_t k = 0; k < 8; ++k) lastBlock[k] = table[src[n - 8 + k]];
   }
-  LookupWordsRow(r.From(i), map);
+  std::size_t i = 0;
+  for (; i + 8 <= n; i += 8) {
+    std::uint16_t block[8];
+    for (std::size_t k = 0; k < 8; ++k) block[k] = table[src[i + k]];
+    std::memcpy(dst + i, block, sizeof block);
+  }
+  if (i != n) std::memcpy(dst + n - 8, lastBlock, sizeof lastBlock);
 }
 
-template <class V>
+// narrower: the table that takes rows shorter than a step of V.
+template <class V, const WordMapKernels *narrower>
 constexpr WordMapKernels MakeWordMapKernels() {
   return WordMapKernels{
-      RunWordRow<V, ApplyAlpha<V>, &WordMapKernels::applyAlpha>,
-      RunWordRow<V, TwoLevelWords<V>, &WordMapKernels::twoLevelWords>,
-      RunWordRow<V, TwoLevelBytes<V>, &WordMapKernels::twoLevelBytes>,
-      RunWordRow<V, LevelBytes<V>, &WordMapKernels::levelBytes>,
+      RunWordRow<V, ApplyAlpha<V>, &WordMapKernels::applyAlpha, narrower>,
+      RunWordRow<V, TwoLevelWords<V>, &WordMapKernels::twoLevelWords, narrower>,
+      RunWordRow<V, TwoLevelBytes<V>, &WordMapKernels::twoLevelBytes, narrower>,
+      RunWordRow<V, LevelBytes<V>, &WordMapKernels::levelBytes, narrower>,
       LookupWordsByEight,
   };
 }

@@ -7,7 +7,7 @@
 namespace ostrel {
 namespace compositing {
 
-constexpr WordMapKernels WordMapKernelsSse2 = MakeWordMapKernels<Sse2>();
+constexpr WordMapKernels WordMapKernelsSse2 = MakeWordMapKernels<Sse2, &WordMapKernelsScalar>();
 
 }  // namespace compositing
 }  // namespace ostrel
