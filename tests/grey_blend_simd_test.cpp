@@ -69,4 +69,50 @@ TEST(GreyBlendKernels, EveryIsaMatchesScalar) {
 #endif
 }
 
+// The lookup on rows of every length up to 80 (the vector form starts
+// partway), each with its own table, in buffers that end where the row ends;
+// and on rows that hold the table, which the scalar loop changes as it reads.
+TEST(GreyBlendKernels, LookupEveryLengthMatchesScalar) {
+#if OSTREL_KERNELS_X86
+  std::vector<const GreyBlendKernels *> tables = {&ostrel::compositing::GreyBlendKernelsSse2};
+  if (ostrel::frame::simd::SupportedIsa() == Isa::kAvx2) {
+    tables.push_back(&ostrel::compositing::GreyBlendKernelsAvx2);
+  }
+  std::mt19937 rng(37);
+  for (std::size_t n = 0; n <= 80; ++n) {
+    for (int round = 0; round < 4; ++round) {
+      const std::size_t off = rng() % 32;
+      const auto start = Random<u8>(off + n, [&] { return rng(); });
+      const auto table = Random<u8>(256, [&] { return rng(); });
+      ostrel::compositing::GreyBlend b;
+      b.table = table.data();
+      auto want = start;
+      ostrel::compositing::GreyBlendKernelsScalar.lookup(
+          ostrel::compositing::GreyRow{want.data() + off, n}, b);
+      for (std::size_t t = 0; t < tables.size(); ++t) {
+        auto got = start;
+        tables[t]->lookup(ostrel::compositing::GreyRow{got.data() + off, n}, b);
+        ASSERT_EQ(got, want) << (t == 0 ? "SSE2, " : "AVX2, ") << n << " bytes at offset " << off;
+      }
+    }
+  }
+  for (std::size_t at : {0, 40, 300}) {
+    const auto start = Random<u8>(700, [&] { return rng(); });
+    const auto run = [&](const GreyBlendKernels &k) {
+      auto buffer = start;
+      ostrel::compositing::GreyBlend b;
+      b.table = buffer.data() + at;
+      k.lookup(ostrel::compositing::GreyRow{buffer.data() + 100, 400}, b);
+      return buffer;
+    };
+    const auto want = run(ostrel::compositing::GreyBlendKernelsScalar);
+    for (std::size_t t = 0; t < tables.size(); ++t) {
+      ASSERT_EQ(run(*tables[t]), want) << (t == 0 ? "SSE2" : "AVX2") << ", table at " << at;
+    }
+  }
+#else
+  GTEST_SKIP() << "no vector kernels on this processor";
+#endif
+}
+
 }  // namespace

@@ -4,6 +4,7 @@
 #include "Ostrel.h"
 #include "compositing/grey_blend.h"
 #include "compositing/trc_blend.h"
+#include "compositing/word_map_kernels.h"
 #include "frame/numeric.h"
 
 namespace ostrel {
@@ -99,11 +100,19 @@ void ApplyAlphaToL12(unsigned short *buffer, unsigned char *alpha, unsigned int 
                      unsigned int height, unsigned int left, unsigned int top,
                      unsigned char opacity, unsigned int regionWidth, unsigned int regionHeight,
                      bool /*exact*/) {
-  compositing::ForEachMaskedPixel(
-      buffer, alpha, width, height, left, top, regionWidth, regionHeight, __func__,
-      [&](unsigned short &d, unsigned char a) {
-        d = static_cast<unsigned short>(d * frame::blend::ExactWeight(a, opacity) / 255u);
-      });
+  const auto b = frame::MakePlane(buffer, width, height, left, top, "");
+  const auto m = frame::MakePlane(alpha, width, height, left, top, "");
+  const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
+  compositing::WordMap map;
+  map.opacity = opacity;
+  const compositing::WordRowKernel kernel = compositing::WordMapKernelsFor(e.columns).applyAlpha;
+  for (std::uint32_t j = 0; j < e.rows; ++j) {
+    compositing::WordRow row;
+    row.n = e.columns;
+    row.src = row.words = b.Row(j);
+    row.alpha = m.Row(j);
+    kernel(row, map);
+  }
 }
 
 void InvertAlphaL08(unsigned char *buffer, unsigned char *alpha, unsigned int width,
@@ -129,7 +138,10 @@ void ApplyLUTToL08(unsigned char *buffer, unsigned int width, unsigned int heigh
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   compositing::GreyBlend blend;
   blend.table = table;
-  const compositing::GreyRowKernel kernel = compositing::ActiveGreyBlendKernels().lookup;
+  // Short rows skip the table's check of the row length.
+  const compositing::GreyRowKernel kernel = e.columns < compositing::kLookupVectorFrom
+                                                ? compositing::LookupRow
+                                                : compositing::ActiveGreyBlendKernels().lookup;
   for (std::uint32_t j = 0; j < e.rows; ++j)
     kernel(compositing::GreyRow{b.Row(j), e.columns}, blend);
 }
@@ -139,9 +151,15 @@ void ApplyLUTToL12(unsigned short *buffer, unsigned int width, unsigned int heig
                    unsigned int regionHeight, unsigned short *table) {
   const auto b = frame::MakePlane(buffer, width, height, left, top, "");
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
-  frame::ForEachRow(b, e, [&](unsigned short *row, std::uint32_t n) {
-    for (std::uint32_t i = 0; i < n; ++i) row[i] = table[row[i]];
-  });
+  compositing::WordMap map;
+  map.table = table;
+  const compositing::WordRowKernel kernel = compositing::WordMapKernelsFor(e.columns).lookup;
+  for (std::uint32_t j = 0; j < e.rows; ++j) {
+    compositing::WordRow row;
+    row.n = e.columns;
+    row.src = row.words = b.Row(j);
+    kernel(row, map);
+  }
 }
 
 void PostApplyAlpha(unsigned char *alpha, unsigned char *buffer, unsigned int count) {

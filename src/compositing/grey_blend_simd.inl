@@ -101,8 +101,9 @@ void RunGreyRow(const GreyRow &row, const GreyBlend &blend) {
   std::memcpy(rest.dst, dst, rest.n);
 }
 
+// The lookup differs per table.
 template <class V>
-constexpr GreyBlendKernels MakeGreyBlendKernels() {
+constexpr GreyBlendKernels MakeGreyBlendKernels(GreyRowKernel lookup) {
   return GreyBlendKernels{
       {RunGreyRow<V, DensityByAlpha<V, Form::kExact, false>>,
        RunGreyRow<V, DensityByAlpha<V, Form::kFast, false>>},
@@ -111,7 +112,7 @@ constexpr GreyBlendKernels MakeGreyBlendKernels() {
       RunGreyRow<V, GreysByAlpha<V, false>>,
       RunGreyRow<V, GreysByAlpha<V, true>>,
       {RunGreyRow<V, ApplyAlpha<V, Form::kExact>>, RunGreyRow<V, ApplyAlpha<V, Form::kFast>>},
-      LookupRow,
+      lookup,
   };
 }
 

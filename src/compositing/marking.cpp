@@ -5,6 +5,7 @@
 
 #include "Ostrel.h"
 #include "compositing/grey_blend.h"
+#include "compositing/word_map_kernels.h"
 #include "frame/blend.h"
 #include "frame/region.h"
 
@@ -31,6 +32,32 @@ void ToTwoLevelInPlace(P *buffer, unsigned int width, unsigned int height, unsig
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, function);
   frame::ForEachRow(b, e, [](P *row, std::uint32_t n) {
     for (std::uint32_t i = 0; i < n; ++i) row[i] = row[i] != 0 ? 255 : 0;
+  });
+}
+
+// Runs a word map kernel (entry of the tables) over each row of the clipped
+// two-buffer region: the source words, and the destination's words or bytes
+// (D).
+template <class D>
+void MapWordRows(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
+                 unsigned int srcLeft, unsigned int srcTop, D *dst, unsigned int dstWidth,
+                 unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                 unsigned int regionWidth, unsigned int regionHeight, const char *function,
+                 WordRowKernel WordMapKernels::*entry, const WordMap &map) {
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
+  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
+  const WordRowKernel kernel = WordMapKernelsFor(e.columns).*entry;
+  frame::ForEachRowPair(s, d, e, [&](const unsigned short *in, D *out, std::uint32_t n) {
+    WordRow row;
+    row.n = n;
+    row.src = in;
+    if constexpr (sizeof(D) == 1) {
+      row.bytes = out;
+    } else {
+      row.words = out;
+    }
+    kernel(row, map);
   });
 }
 
@@ -63,8 +90,17 @@ void ConvertL08To2LevelL08(unsigned char *src, unsigned int srcWidth, unsigned i
 void ConvertL12To2LevelL12(unsigned short *buffer, unsigned int width, unsigned int height,
                            unsigned int left, unsigned int top, unsigned int regionWidth,
                            unsigned int regionHeight) {
-  compositing::ToTwoLevelInPlace(buffer, width, height, left, top, regionWidth, regionHeight,
-                                 __func__);
+  const auto b = frame::MakePlane(buffer, width, height, left, top, "");
+  const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
+  compositing::WordMap map;
+  map.level = 255;
+  const compositing::WordRowKernel kernel = compositing::WordMapKernelsFor(e.columns).twoLevelWords;
+  frame::ForEachRow(b, e, [&](unsigned short *row, std::uint32_t n) {
+    compositing::WordRow r;
+    r.n = n;
+    r.src = r.words = row;
+    kernel(r, map);
+  });
 }
 
 void ConvertL12To2LevelL12(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
@@ -72,10 +108,11 @@ void ConvertL12To2LevelL12(unsigned short *src, unsigned int srcWidth, unsigned 
                            unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                            unsigned int dstTop, unsigned int regionWidth,
                            unsigned int regionHeight) {
-  compositing::ConvertRegion(
-      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-      regionWidth, regionHeight, __func__,
-      [](unsigned short v) { return static_cast<unsigned short>(v != 0 ? 4095 : 0); });
+  compositing::WordMap map;
+  map.level = 4095;
+  compositing::MapWordRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                           dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                           &compositing::WordMapKernels::twoLevelWords, map);
 }
 
 void ConvertL12To2LevelL08(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
@@ -83,19 +120,18 @@ void ConvertL12To2LevelL08(unsigned short *src, unsigned int srcWidth, unsigned 
                            unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                            unsigned int dstTop, unsigned int regionWidth,
                            unsigned int regionHeight) {
-  compositing::ConvertRegion(
-      src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-      regionWidth, regionHeight, __func__,
-      [](unsigned short v) { return static_cast<unsigned char>(v != 0 ? 255 : 0); });
+  compositing::MapWordRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                           dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                           &compositing::WordMapKernels::twoLevelBytes, compositing::WordMap{});
 }
 
 void ConvertL012ToL08(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,
                       unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
                       unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                       unsigned int dstTop, unsigned int regionWidth, unsigned int regionHeight) {
-  compositing::ConvertRegion(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                             dstLeft, dstTop, regionWidth, regionHeight, __func__,
-                             [](unsigned short v) { return static_cast<unsigned char>(v >> 4); });
+  compositing::MapWordRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                           dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                           &compositing::WordMapKernels::levelBytes, compositing::WordMap{});
 }
 
 void MarkL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,

@@ -32,6 +32,19 @@ struct Avx2 {
   // Asks for the cache line holding p; never faults.
   static void Prefetch(const void *p) { _mm_prefetch(static_cast<const char *>(p), _MM_HINT_T0); }
 
+  // Word maps.
+  // Bytes widened to 16-bit lanes in order: the first and the second half of
+  // a register of bytes.
+  static Reg WidenBytesLo(Reg a) { return _mm256_cvtepu8_epi16(_mm256_castsi256_si128(a)); }
+  static Reg WidenBytesHi(Reg a) { return _mm256_cvtepu8_epi16(_mm256_extracti128_si256(a, 1)); }
+  // a + b, unsigned 16-bit lanes, saturating at 65535.
+  static Reg AddSatU16(Reg a, Reg b) { return _mm256_adds_epu16(a, b); }
+  // Two registers of 16-bit lanes, each in 0..255, narrowed to bytes in order
+  // (the pack works inside 128-bit halves; the permute puts them in order).
+  static Reg NarrowWords(Reg lo, Reg hi) {
+    return _mm256_permute4x64_epi64(_mm256_packus_epi16(lo, hi), 0xD8);
+  }
+
   static Reg Zero() { return _mm256_setzero_si256(); }
   static Reg Set32(std::uint32_t v) { return _mm256_set1_epi32(static_cast<int>(v)); }
   static Reg Set16(std::uint16_t v) { return _mm256_set1_epi16(static_cast<short>(v)); }

@@ -37,6 +37,16 @@ struct Sse2 {
   // Asks for the cache line holding p; never faults.
   static void Prefetch(const void *p) { _mm_prefetch(static_cast<const char *>(p), _MM_HINT_T0); }
 
+  // Word maps.
+  // Bytes widened to 16-bit lanes in order: the first and the second half of
+  // a register of bytes.
+  static Reg WidenBytesLo(Reg a) { return _mm_unpacklo_epi8(a, _mm_setzero_si128()); }
+  static Reg WidenBytesHi(Reg a) { return _mm_unpackhi_epi8(a, _mm_setzero_si128()); }
+  // a + b, unsigned 16-bit lanes, saturating at 65535.
+  static Reg AddSatU16(Reg a, Reg b) { return _mm_adds_epu16(a, b); }
+  // Two registers of 16-bit lanes, each in 0..255, narrowed to bytes in order.
+  static Reg NarrowWords(Reg lo, Reg hi) { return _mm_packus_epi16(lo, hi); }
+
   static Reg Zero() { return _mm_setzero_si128(); }
   static Reg Set32(std::uint32_t v) { return _mm_set1_epi32(static_cast<int>(v)); }
   static Reg Set16(std::uint16_t v) { return _mm_set1_epi16(static_cast<short>(v)); }
