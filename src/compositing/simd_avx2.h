@@ -106,7 +106,6 @@ struct Avx2 {
   static Reg BytesToWords(const std::uint8_t *p) {
     return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i *>(p)));
   }
-  static Reg AddSatU16(Reg a, Reg b) { return _mm256_adds_epu16(a, b); }
 };
 
 }  // namespace

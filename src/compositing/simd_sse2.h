@@ -114,7 +114,6 @@ struct Sse2 {
     return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const Reg *>(p)),
                              _mm_setzero_si128());
   }
-  static Reg AddSatU16(Reg a, Reg b) { return _mm_adds_epu16(a, b); }
 };
 
 }  // namespace
