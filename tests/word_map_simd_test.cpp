@@ -15,9 +15,9 @@ namespace {
 
 using namespace grey_test;
 using ostrel::compositing::WordMap;
+using ostrel::compositing::WordMapKernel;
 using ostrel::compositing::WordMapKernels;
-using ostrel::compositing::WordRow;
-using ostrel::compositing::WordRowKernel;
+using ostrel::compositing::WordMapRow;
 using ostrel::frame::simd::Isa;
 
 using Table = std::pair<const char *, const WordMapKernels *>;
@@ -42,7 +42,7 @@ u16 TurnWord(std::mt19937 &r) {
 
 struct Entry {
   const char *name;
-  WordRowKernel WordMapKernels::*kernel;
+  WordMapKernel WordMapKernels::*kernel;
   bool inPlace, toBytes;
   u16 level;
 };
@@ -64,7 +64,7 @@ Result RunRow(const WordMapKernels &t, const Entry &e, const std::vector<u16> &s
   const std::size_t n = src.size() - off;
   Result out{src, std::vector<u8>(off + n, 0x5A)};
   if (!e.inPlace) std::fill(out.first.begin(), out.first.end(), u16(0xA5A5));
-  WordRow row;
+  WordMapRow row;
   row.n = n;
   row.src = e.inPlace ? out.first.data() + off : src.data() + off;
   row.words = out.first.data() + off;
@@ -115,7 +115,7 @@ TEST(WordMapKernels, OverlappingRowsMatchScalar) {
       const auto alpha = TurnBytes(n, rng);
       const auto run = [&](const WordMapKernels &t) {
         auto buffer = start;
-        WordRow row;
+        WordMapRow row;
         row.n = n;
         row.words = buffer.data() + n;
         row.src = row.words + shift;
@@ -149,7 +149,7 @@ TEST(WordMapKernels, ApplyAlphaOnEveryWordAndWeight) {
   std::vector<u16> words(65536);
   std::vector<u8> alpha(65536);
   const auto run = [&](const WordMapKernels &t, u32 opacity) {
-    WordRow row;
+    WordMapRow row;
     row.n = words.size();
     row.src = row.words = words.data();
     row.alpha = alpha.data();

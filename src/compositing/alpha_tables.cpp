@@ -105,9 +105,9 @@ void ApplyAlphaToL12(unsigned short *buffer, unsigned char *alpha, unsigned int 
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   compositing::WordMap map;
   map.opacity = opacity;
-  const compositing::WordRowKernel kernel = compositing::WordMapKernelsFor(e.columns).applyAlpha;
+  const compositing::WordMapKernel kernel = compositing::WordMapKernelsFor(e.columns).applyAlpha;
   for (std::uint32_t j = 0; j < e.rows; ++j) {
-    compositing::WordRow row;
+    compositing::WordMapRow row;
     row.n = e.columns;
     row.src = row.words = b.Row(j);
     row.alpha = m.Row(j);
@@ -153,9 +153,9 @@ void ApplyLUTToL12(unsigned short *buffer, unsigned int width, unsigned int heig
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   compositing::WordMap map;
   map.table = table;
-  const compositing::WordRowKernel kernel = compositing::WordMapKernelsFor(e.columns).lookup;
+  const compositing::WordMapKernel kernel = compositing::WordMapKernelsFor(e.columns).lookup;
   for (std::uint32_t j = 0; j < e.rows; ++j) {
-    compositing::WordRow row;
+    compositing::WordMapRow row;
     row.n = e.columns;
     row.src = row.words = b.Row(j);
     kernel(row, map);

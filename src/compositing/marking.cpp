@@ -43,13 +43,13 @@ void MapWordRows(unsigned short *src, unsigned int srcWidth, unsigned int srcHei
                  unsigned int srcLeft, unsigned int srcTop, D *dst, unsigned int dstWidth,
                  unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                  unsigned int regionWidth, unsigned int regionHeight, const char *function,
-                 WordRowKernel WordMapKernels::*entry, const WordMap &map) {
+                 WordMapKernel WordMapKernels::*entry, const WordMap &map) {
   const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
   const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
-  const WordRowKernel kernel = WordMapKernelsFor(e.columns).*entry;
+  const WordMapKernel kernel = WordMapKernelsFor(e.columns).*entry;
   frame::ForEachRowPair(s, d, e, [&](const unsigned short *in, D *out, std::uint32_t n) {
-    WordRow row;
+    WordMapRow row;
     row.n = n;
     row.src = in;
     if constexpr (sizeof(D) == 1) {
@@ -94,9 +94,9 @@ void ConvertL12To2LevelL12(unsigned short *buffer, unsigned int width, unsigned 
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   compositing::WordMap map;
   map.level = 255;
-  const compositing::WordRowKernel kernel = compositing::WordMapKernelsFor(e.columns).twoLevelWords;
+  const compositing::WordMapKernel kernel = compositing::WordMapKernelsFor(e.columns).twoLevelWords;
   frame::ForEachRow(b, e, [&](unsigned short *row, std::uint32_t n) {
-    compositing::WordRow r;
+    compositing::WordMapRow r;
     r.n = n;
     r.src = r.words = row;
     kernel(r, map);

@@ -18,7 +18,7 @@ namespace compositing {
 // One row of n pixels: the words read and, depending on the kernel, the
 // word or byte results and the coverage bytes that pair with them. A kernel
 // that works in place is given the same words as src and words.
-struct WordRow {
+struct WordMapRow {
   std::size_t n = 0;
   const std::uint16_t *src = nullptr;   // the words read
   std::uint16_t *words = nullptr;       // word results
@@ -33,21 +33,21 @@ struct WordMap {
   const std::uint16_t *table = nullptr;  // 65,536 entries, for the lookup kernel
 };
 
-using WordRowKernel = void (*)(const WordRow &row, const WordMap &map);
+using WordMapKernel = void (*)(const WordMapRow &row, const WordMap &map);
 
 // v is src[i], c the coverage alpha[i], o the opacity.
 struct WordMapKernels {
-  WordRowKernel applyAlpha;     // words[i] = v * ((c * o) / 255) / 255
-  WordRowKernel twoLevelWords;  // words[i] = v != 0 ? level : 0
-  WordRowKernel twoLevelBytes;  // bytes[i] = v != 0 ? 255 : 0
-  WordRowKernel levelBytes;     // bytes[i] = the low byte of v >> 4
-  WordRowKernel lookup;         // words[i] = table[v]
+  WordMapKernel applyAlpha;     // words[i] = v * ((c * o) / 255) / 255
+  WordMapKernel twoLevelWords;  // words[i] = v != 0 ? level : 0
+  WordMapKernel twoLevelBytes;  // bytes[i] = v != 0 ? 255 : 0
+  WordMapKernel levelBytes;     // bytes[i] = the low byte of v >> 4
+  WordMapKernel lookup;         // words[i] = table[v]
 };
 
 OSTREL_KERNEL_FAMILY(WordMapKernels)
 
 // The lookup kernel of the scalar table: words looked up one at a time.
-void LookupWordsRow(const WordRow &row, const WordMap &map);
+void LookupWordsRow(const WordMapRow &row, const WordMap &map);
 
 // Every table maps rows shorter than this with the scalar kernels (measured:
 // below it the vector forms cost more than they save), so a caller whose rows

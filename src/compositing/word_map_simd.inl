@@ -85,7 +85,7 @@ inline bool StepsReadAsScalar(const void *out, std::size_t outSize, const void *
 }
 
 template <class Kernel>
-bool RowReadsAsScalar(const WordRow &r) {
+bool RowReadsAsScalar(const WordMapRow &r) {
   const void *out = Kernel::kBytes ? static_cast<const void *>(r.bytes) : r.words;
   const std::size_t outSize = Kernel::kBytes ? 1 : 2;
   return StepsReadAsScalar(out, outSize, r.src, 2, r.n) &&
@@ -128,9 +128,9 @@ void StoreStep(std::uint16_t *words, std::uint8_t *bytes, const StepInputs<V> &i
 // narrower table's (the scalar one below kWordMapVectorFrom pixels), and rows
 // whose outputs overlap their inputs in a way the steps would read differently
 // to the scalar definition.
-template <class V, class Kernel, WordRowKernel WordMapKernels::*entry,
+template <class V, class Kernel, WordMapKernel WordMapKernels::*entry,
           const WordMapKernels *narrower>
-void RunWordRow(const WordRow &row, const WordMap &map) {
+void RunWordRow(const WordMapRow &row, const WordMap &map) {
   // Locals, field by field: stores to the destination cannot change them.
   const std::size_t n = row.n;
   const std::uint16_t *const src = row.src;
@@ -167,7 +167,7 @@ void RunWordRow(const WordRow &row, const WordMap &map) {
 // a time: eight words are looked up into a block, then stored together. That
 // reads what the scalar loop reads while the table lies apart from the words
 // written; shorter rows and other rows go word by word.
-inline void LookupWordsByEight(const WordRow &row, const WordMap &map) {
+inline void LookupWordsByEight(const WordMapRow &row, const WordMap &map) {
   const std::uint16_t *const src = row.src;
   std::uint16_t *const dst = row.words;
   const std::uint16_t *const table = map.table;
