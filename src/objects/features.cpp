@@ -406,12 +406,18 @@ bool MeasurePixels(T *labels, int width, int height, const ClampedRegion &r, con
       }
       const bool first = counter[k] == 0;
       if (kHistogram) {
-        if (first) std::memset(f.histogram, 0, sizeof(f.histogram));
 #if OSTREL_CHECKED
         if (!InHistogram(v[c]))
           ReportElement("MultiObjectFeatureExtract", "values", rowStart + c, v[c], "0 .. 255");
 #endif
-        if (InHistogram(v[c])) CountUp(f.histogram[v[c]]);
+        if (first) {
+          // Stored, not added to: the bin is not read back right after the
+          // clearing stores.
+          std::memset(f.histogram, 0, sizeof(f.histogram));
+          if (InHistogram(v[c])) f.histogram[v[c]] = 1;
+        } else if (InHistogram(v[c])) {
+          CountUp(f.histogram[v[c]]);
+        }
       }
       if (first) {
         // The object's first pixel in raster order starts its contour.
