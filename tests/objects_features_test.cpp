@@ -145,7 +145,14 @@ TEST(ObjectsFeatures, OrientationWorkedExamples) {
     }
   }
   EXPECT_EQ(ReleaseFeatureTables(), 0);
-  EXPECT_EQ(InitFeatureTables(2, 90.0), 0);
+  // N = 10 (E = 1, window s: bins s - 1 and s), a 4 x 3 rectangle at (1, 1):
+  // offsets (1.5 | 0.5 | 0.5 | -0.5, 1 | 0 | 0) fill four of the ten bins,
+  // 1 (5.75), 3 (1.25), 4 (0.5) and 8 (5.5); windows 1 and 2 both weigh
+  // 5.75 and the first wins.
+  EXPECT_EQ(InitFeatureTables(2, 10.0), 0);
+  std::vector<int> rect = Labels(10, 10, {{1, 1, 5, 4, 1}});
+  ASSERT_EQ(Extract(rect, 10, 10, 0, rect.data(), 1, 1, &f, all, &aborted), 0);
+  EXPECT_DOUBLE_EQ(f.orientation, 1 / (10 / (2 * kPi)) - kPi);
   EXPECT_EQ(ReleaseFeatureTables(), 0);
   // Without tables the orientation stops the process like a division by zero.
   std::vector<int> labels = Labels(10, 10, {{3, 4, 4, 5, 1}});
