@@ -147,8 +147,9 @@ class Temporaries {
     return boxCount == 0 || Cleared(boxCount, &boxes);
   }
 
-  // Not read: an object's first pixel is the one met with its count at 0.
-  // Still asked for, so that a host's manager sees the requests it saw.
+  // Not read: an object's first pixel is the one met with its count still
+  // 0. Still asked for, so that the blocks asked of the memory manager do
+  // not depend on how the pass tells first pixels.
   unsigned char *done = nullptr;
   std::int64_t *counter = nullptr;
   double *sumX = nullptr;
