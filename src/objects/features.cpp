@@ -323,25 +323,29 @@ const int kStepX[8] = {-1, 0, 1, 1, 1, 0, -1, -1};  // clockwise from the upper 
 const int kStepY[8] = {-1, -1, -1, 0, 1, 1, 1, 0};
 const double kStepLength[8] = {g_sqrt2, 1.0, g_sqrt2, 1.0, g_sqrt2, 1.0, g_sqrt2, 1.0};
 
-// For each set of object neighbours (bit i: direction i), the first set
-// bit; 8 for none.
-struct FirstBitTable {
-  unsigned char bit[256];
-  constexpr FirstBitTable() : bit() {
-    for (int m = 0; m < 256; ++m) {
-      int i = 0;
-      while (i < 8 && (m >> i & 1) == 0) ++i;
-      bit[m] = static_cast<unsigned char>(i);
+// For a search from direction d over a set of object neighbours (bit i:
+// direction i), the first object direction clockwise from d; 8 for none.
+struct TurnTable {
+  unsigned char to[8][256];
+  constexpr TurnTable() : to() {
+    for (int d = 0; d < 8; ++d) {
+      for (int m = 0; m < 256; ++m) {
+        int i = 0;
+        while (i < 8 && (m >> ((d + i) & 7) & 1) == 0) ++i;
+        to[d][m] = static_cast<unsigned char>(i == 8 ? 8 : (d + i) & 7);
+      }
     }
   }
 };
-constexpr FirstBitTable kFirstBit;
+constexpr TurnTable kTurn;
 
 template <class T>
 double Perimeter(T *labels, int width, int height, const ClampedRegion &r, int x, int y, T value) {
   const std::ptrdiff_t start = static_cast<std::ptrdiff_t>(y) * width + x;
   const std::ptrdiff_t up = -static_cast<std::ptrdiff_t>(width), down = width;
-  const int right = r.left + r.width, bottom = r.top + r.height;  // half-open, inside the buffer
+  std::ptrdiff_t offset[8];
+  for (int d = 0; d < 8; ++d)
+    offset[d] = kStepY[d] * static_cast<std::ptrdiff_t>(width) + kStepX[d];
   const double limit = static_cast<double>(r.width) * static_cast<double>(r.height);
   const std::int64_t pixels = std::int64_t{width} * height;
   std::ptrdiff_t at = start;
@@ -362,15 +366,17 @@ double Perimeter(T *labels, int width, int height, const ClampedRegion &r, int x
     };
     const unsigned int around = is(up - 1, 0) | is(up, 1) | is(up + 1, 2) | is(1, 3) |
                                 is(down + 1, 4) | is(down, 5) | is(down - 1, 6) | is(-1, 7);
-    const unsigned int turn = kFirstBit.bit[((around >> d) | (around << (8 - d))) & 0xFFu];
-    if (turn == 8) return length;  // no object neighbour at all
-    d = (d + turn) & 7u;
+    d = kTurn.to[d][around];
+    if (d == 8) return length;  // no object neighbour at all
     x += kStepX[d];
     y += kStepY[d];
-    at += kStepY[d] * static_cast<std::ptrdiff_t>(width) + kStepX[d];
-    // The step that leaves the region, closes the contour or passes the
-    // guards is not counted.
-    if (x < r.left || x >= right || y < r.top || y >= bottom) break;
+    at += offset[d];
+    // The step that leaves the region (x and y are at least left - 1 and
+    // top - 1), closes the contour or passes the guards is not counted.
+    if (static_cast<unsigned int>(x - r.left) >= static_cast<unsigned int>(r.width) ||
+        static_cast<unsigned int>(y - r.top) >= static_cast<unsigned int>(r.height)) {
+      break;
+    }
     if (at == start) break;
     if (length > limit) break;
     if (++steps / 8 > pixels) break;
