@@ -5,6 +5,7 @@
 #include <climits>
 #include <cmath>
 #include <cstdlib>
+#include <random>
 #include <vector>
 
 #include "Ostrel.h"
@@ -144,7 +145,14 @@ TEST(ObjectsFeatures, OrientationWorkedExamples) {
     }
   }
   EXPECT_EQ(ReleaseFeatureTables(), 0);
-  EXPECT_EQ(InitFeatureTables(2, 90.0), 0);
+  // N = 10 (E = 1, window s: bins s - 1 and s), a 4 x 3 rectangle at (1, 1):
+  // offsets (1.5 | 0.5 | 0.5 | -0.5, 1 | 0 | 0) fill four of the ten bins,
+  // 1 (5.75), 3 (1.25), 4 (0.5) and 8 (5.5); windows 1 and 2 both weigh
+  // 5.75 and the first wins.
+  EXPECT_EQ(InitFeatureTables(2, 10.0), 0);
+  std::vector<int> rect = Labels(10, 10, {{1, 1, 5, 4, 1}});
+  ASSERT_EQ(Extract(rect, 10, 10, 0, rect.data(), 1, 1, &f, all, &aborted), 0);
+  EXPECT_DOUBLE_EQ(f.orientation, 1 / (10 / (2 * kPi)) - kPi);
   EXPECT_EQ(ReleaseFeatureTables(), 0);
   // Without tables the orientation stops the process like a division by zero.
   std::vector<int> labels = Labels(10, 10, {{3, 4, 4, 5, 1}});
@@ -245,6 +253,70 @@ TEST(ObjectsFeatures, EscapeAbortsAndTemporariesGoBack) {
   EXPECT_EQ(Extract(labels, w, h, 0, labels.data(), 1, 1, &f, needed, &aborted), -1);
   EXPECT_EQ(manager.out, 0);
   DllSetMemMgr(previous);
+}
+
+// Random objects of three labels that touch every edge, in regions at and
+// away from the origin, measured whole and cut short by Escape after a
+// random number of pixels: each met object has FollowContour's perimeter
+// from its first pixel and the count and histogram of the pixels scanned
+// before the press; an object not met has an empty histogram. Measured
+// whole, each object's orientation is the one it has when measured alone.
+template <class T>
+void MeasureRandomObjects(std::mt19937 &rng) {
+  const int w = 3 + rng() % 20, h = 3 + rng() % 20, left = rng() % 3 % (w - 1),
+            top = rng() % 3 % (h - 1), rw = w - 1 - left - rng() % 2, rh = h - 1 - top - rng() % 2;
+  const T first = static_cast<T>(sizeof(T) == 1 ? 253 : -1);
+  std::vector<T> labels(w * h), values(w * h);
+  for (int i = 0; i < w * h; ++i)
+    labels[i] = static_cast<T>(rng() % 5 < 3 ? first + rng() % 3 : 7), values[i] = rng() % 256;
+  const bool whole = rng() % 2;
+  g_polls = 0, g_pressAfter = whole ? INT_MAX : rng() % (rw * rh + 1);
+  std::vector<SFeature> f(4);
+  for (SFeature &g : f) std::fill(std::begin(g.histogram), std::end(g.histogram), -1);
+  unsigned char aborted;
+  const int result = MultiObjectFeatureExtract<T>(
+      labels.data(), w, h, left, top, rw, rh, values.data(), first, 4, f.data(),
+      static_cast<EFeaturesNeeded>(whole ? 39 : eFeatureBasic | eFeatureHistogram), &aborted);
+  ASSERT_EQ(result, g_pressAfter < rw * rh ? -1 : 0);
+  for (int k = 0; k < 3 && whole; ++k) {
+    SFeature alone;
+    ASSERT_EQ(MultiObjectFeatureExtract<T>(labels.data(), w, h, left, top, rw, rh, values.data(),
+                                           static_cast<T>(first + k), 1, &alone,
+                                           static_cast<EFeaturesNeeded>(7), &aborted),
+              0);
+    EXPECT_EQ(alone.orientation, f[k].orientation) << k;
+  }
+  for (int k = 0; k < 4; ++k) {
+    std::vector<int> hist(256);
+    int count = 0, scanned = 0;
+    for (int y = top; y < top + rh; ++y)
+      for (int x = left; x < left + rw && scanned++ < g_pressAfter; ++x) {
+        if (labels[y * w + x] != static_cast<T>(first + k)) continue;
+        if (count++ == 0) {
+          EXPECT_EQ(f[k].perimeter,
+                    FollowContour<T>(labels.data(), &labels[y * w + x], w, h, left, top, rw, rh,
+                                     labels[y * w + x], nullptr, nullptr));
+        }
+        ++hist[values[y * w + x]];
+      }
+    if (result == 0) { EXPECT_EQ(f[k].pixelCount, count); }
+    for (int v = 0; v < 256; ++v) ASSERT_EQ(f[k].histogram[v], hist[v]) << k << " " << v;
+  }
+}
+
+TEST(ObjectsFeatures, RandomObjectsMatchContourAndDirectCounts) {
+  const OstrelKeyStateQuery before = SetKeyStateQuery(PressAfterPolls);
+  std::mt19937 rng(5);
+  for (int i = 0; i < 400; ++i) {
+    if (i % 100 == 0) {
+      ReleaseFeatureTables();
+      ASSERT_EQ(InitFeatureTables(1, std::vector<double>{10, 40, 360, 36000}[i / 100]), 0);
+    }
+    MeasureRandomObjects<unsigned char>(rng);
+    MeasureRandomObjects<int>(rng);
+  }
+  ReleaseFeatureTables();
+  SetKeyStateQuery(before);
 }
 
 // Values outside 0 .. 255 under an object have no bin and are not counted;

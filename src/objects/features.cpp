@@ -147,6 +147,9 @@ class Temporaries {
     return boxCount == 0 || Cleared(boxCount, &boxes);
   }
 
+  // Not read: an object's first pixel is the one met with its count still
+  // 0. Still asked for, so that the blocks asked of the memory manager do
+  // not depend on how the pass tells first pixels.
   unsigned char *done = nullptr;
   std::int64_t *counter = nullptr;
   double *sumX = nullptr;
@@ -216,15 +219,45 @@ double HeaviestDirection() {
     }
     return sum;
   };
-  int best = 0;
-  double bestSum = 0.0;
-  for (int s = 0; s <= n && count != 0; ++s) {
+  const auto windowSum = [&](int s) {
     const int start = (s - w + n) % n, end = start + 2 * w;
     double sum = addRange(0.0, start, end < n ? end : n);
     if (end > n) sum = addRange(sum, 0, end - n);
-    if (s == 0 || sum > bestSum) {
-      best = s;
-      bestSum = sum;
+    return sum;
+  };
+  int best = 0;
+  double bestSum = 0.0;
+  if (count == 0) return best / t.scale - kPi;
+  // A window holds bin b for the starts b - w + 1 .. b + w (round the turn),
+  // so its filled bins, and the order they are added in, change only at the
+  // starts where some bin comes in or goes out: every start in between sums
+  // to the same bits as the one before it and, ties going to the first,
+  // cannot win. Only 0 and those starts are weighed (start N is start 0
+  // again). They are gathered behind the filled bins when there is room.
+  int *const starts = t.filled + t.filledCount;
+  if (t.filledCount + 2 * count + 1 <= n + 1) {
+    int m = 0;
+    starts[m++] = 0;
+    for (const int *b = first; b != last; ++b) {
+      starts[m++] = (*b - w + 1 + n) % n;
+      starts[m++] = (*b + w + 1) % n;
+    }
+    std::sort(starts, starts + m);
+    m = static_cast<int>(std::unique(starts, starts + m) - starts);
+    for (int i = 0; i < m; ++i) {
+      const double sum = windowSum(starts[i]);
+      if (i == 0 || sum > bestSum) {
+        best = starts[i];
+        bestSum = sum;
+      }
+    }
+  } else {
+    for (int s = 0; s <= n; ++s) {
+      const double sum = windowSum(s);
+      if (s == 0 || sum > bestSum) {
+        best = s;
+        bestSum = sum;
+      }
     }
   }
   return best / t.scale - kPi;
@@ -276,6 +309,147 @@ bool MeasureOrientations(const T *labels, int width, const ClampedRegion &r, T f
     features[k].orientation = HeaviestDirection();
   }
   return true;
+}
+
+// The perimeter of the object of value whose first pixel in raster order is
+// labels[start], at column x and row y of the buffer: FollowContour's
+// length, walked here without its per-step care for the buffer's edges.
+// While the walk stands in the region and off column 0 and row 0 (the
+// region never reaches the last column or row), every neighbour lies inside
+// the buffer in its own row, so each is read directly; on reaching column 0
+// or row 0 the walk is left to FollowContour from the start.
+const double g_sqrt2 = std::sqrt(2.0);
+const int kStepX[8] = {-1, 0, 1, 1, 1, 0, -1, -1};  // clockwise from the upper left
+const int kStepY[8] = {-1, -1, -1, 0, 1, 1, 1, 0};
+const double kStepLength[8] = {g_sqrt2, 1.0, g_sqrt2, 1.0, g_sqrt2, 1.0, g_sqrt2, 1.0};
+
+// For a search from direction d over a set of object neighbours (bit i:
+// direction i), the first object direction clockwise from d; 8 for none.
+struct TurnTable {
+  unsigned char to[8][256];
+  constexpr TurnTable() : to() {
+    for (int d = 0; d < 8; ++d) {
+      for (int m = 0; m < 256; ++m) {
+        int i = 0;
+        while (i < 8 && (m >> ((d + i) & 7) & 1) == 0) ++i;
+        to[d][m] = static_cast<unsigned char>(i == 8 ? 8 : (d + i) & 7);
+      }
+    }
+  }
+};
+constexpr TurnTable kTurn;
+
+template <class T>
+double Perimeter(T *labels, int width, int height, const ClampedRegion &r, int x, int y, T value) {
+  const std::ptrdiff_t start = static_cast<std::ptrdiff_t>(y) * width + x;
+  const std::ptrdiff_t up = -static_cast<std::ptrdiff_t>(width), down = width;
+  std::ptrdiff_t offset[8];
+  for (int d = 0; d < 8; ++d)
+    offset[d] = kStepY[d] * static_cast<std::ptrdiff_t>(width) + kStepX[d];
+  const double limit = static_cast<double>(r.width) * static_cast<double>(r.height);
+  const std::int64_t pixels = std::int64_t{width} * height;
+  std::ptrdiff_t at = start;
+  double length = 0.0;
+  std::int64_t steps = 0;
+  unsigned int d = 3;  // the first search begins to the right
+  for (;;) {
+    if (x < 1 || y < 1) {
+      return FollowContour(labels, labels + start, width, height, r.left, r.top, r.width, r.height,
+                           value, nullptr, nullptr);
+    }
+    // All eight neighbours at once, then the first object one clockwise
+    // from d: on a noisy mask the direction is random, and one table look-up
+    // costs less than the mispredicted tests of a search.
+    const T *const p = labels + at;
+    const auto is = [p, value](std::ptrdiff_t o, int bit) {
+      return static_cast<unsigned int>(p[o] == value) << bit;
+    };
+    const unsigned int around = is(up - 1, 0) | is(up, 1) | is(up + 1, 2) | is(1, 3) |
+                                is(down + 1, 4) | is(down, 5) | is(down - 1, 6) | is(-1, 7);
+    d = kTurn.to[d][around];
+    if (d == 8) return length;  // no object neighbour at all
+    x += kStepX[d];
+    y += kStepY[d];
+    at += offset[d];
+    // The step that leaves the region (x and y are at least left - 1 and
+    // top - 1), closes the contour or passes the guards is not counted.
+    if (static_cast<unsigned int>(x - r.left) >= static_cast<unsigned int>(r.width) ||
+        static_cast<unsigned int>(y - r.top) >= static_cast<unsigned int>(r.height)) {
+      break;
+    }
+    if (at == start) break;
+    if (length > limit) break;
+    if (++steps / 8 > pixels) break;
+    length += kStepLength[d];
+    d = (d + 5) & 7u;  // one clockwise past the pixel just left
+  }
+  return length;
+}
+
+// The first pass: every object's pixel count, coordinate sums, histogram and
+// perimeter, with Escape polled before every pixel. A histogram is cleared
+// when its object's first pixel is met (the count still 0), so that it is
+// written while the object's pixels are near; the records of the objects
+// not met are cleared afterwards (ClearUnmet after an Escape). Returns false
+// on Escape.
+template <class T, bool kCentroid, bool kHistogram>
+bool MeasurePixels(T *labels, int width, int height, const ClampedRegion &r, const T *values,
+                   T firstLabel, int objectCount, SFeature *features, std::int64_t *counter,
+                   double *sumX, double *sumY) {
+  const unsigned int objects = static_cast<unsigned int>(objectCount);
+  for (int row = 0; row < r.height; ++row) {
+    const std::ptrdiff_t rowStart = static_cast<std::ptrdiff_t>(r.top + row) * width + r.left;
+    const T *const p = labels + rowStart;
+    const T *const v = kHistogram ? values + rowStart : nullptr;
+    const double y = row + 0.5;
+    for (int c = 0; c < r.width; ++c) {
+      if (EscapePressed()) return false;
+      const unsigned int k = static_cast<unsigned int>(LabelIndex(p[c], firstLabel));
+      if (k >= objects) continue;
+      SFeature &f = features[k];
+      if (kCentroid) {
+        sumX[k] += c + 0.5;
+        sumY[k] += y;
+      }
+      const bool first = counter[k] == 0;
+      if (kHistogram) {
+#if OSTREL_CHECKED
+        if (!InHistogram(v[c]))
+          ReportElement("MultiObjectFeatureExtract", "values", rowStart + c, v[c], "0 .. 255");
+#endif
+        if (first) {
+          // Stored, not added to: the bin is not read back right after the
+          // clearing stores.
+          std::memset(f.histogram, 0, sizeof(f.histogram));
+          if (InHistogram(v[c])) f.histogram[v[c]] = 1;
+        } else if (InHistogram(v[c])) {
+          CountUp(f.histogram[v[c]]);
+        }
+      }
+      if (first) {
+        // The object's first pixel in raster order starts its contour.
+        f.perimeter = Perimeter(labels, width, height, r, r.left + c, r.top + row,
+                                ObjectLabel(static_cast<int>(k), firstLabel));
+      }
+      ++counter[k];
+    }
+  }
+  return true;
+}
+
+// Asks for the cache line at p ahead of a write, where the compiler can.
+inline void PrefetchForWrite(const void *p) {
+#if defined(__GNUC__) || defined(__clang__)
+  __builtin_prefetch(p, 1);
+#else
+  static_cast<void>(p);
+#endif
+}
+
+void ClearUnmet(int objectCount, const std::int64_t *counter, SFeature *features) {
+  for (int k = 0; k < objectCount; ++k) {
+    if (counter[k] == 0) std::memset(features[k].histogram, 0, sizeof(features[k].histogram));
+  }
 }
 
 }  // namespace
@@ -354,48 +528,26 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
           orientation ? static_cast<std::size_t>(objects::BoxCount(T(), objectCount)) : 0)) {
     return -1;
   }
-  if (histogram) {
-    for (int k = 0; k < objectCount; ++k) {
-      std::memset(features[k].histogram, 0, sizeof(features[k].histogram));
-    }
+  const auto pass = centroid ? (histogram ? objects::MeasurePixels<T, true, true>
+                                          : objects::MeasurePixels<T, true, false>)
+                             : (histogram ? objects::MeasurePixels<T, false, true>
+                                          : objects::MeasurePixels<T, false, false>);
+  const bool finished = pass(labels, width, height, r, values, firstLabel, objectCount, features,
+                             tmp.counter, tmp.sumX, tmp.sumY);
+  if (!finished) {
+    if (histogram) objects::ClearUnmet(objectCount, tmp.counter, features);
+    *aborted = 1;
+    return -1;
   }
 
-  for (int row = 0; row < r.height; ++row) {
-    const std::ptrdiff_t rowStart = static_cast<std::ptrdiff_t>(r.top + row) * width + r.left;
-    T *p = labels + rowStart;
-    const T *v = values + rowStart;
-    for (int c = 0; c < r.width; ++c) {
-      if (objects::EscapePressed()) {
-        *aborted = 1;
-        return -1;
-      }
-      const int k = objects::LabelIndex(p[c], firstLabel);
-      if (k < 0 || k >= objectCount) continue;
-      if (centroid) {
-        tmp.sumX[k] += c + 0.5;
-        tmp.sumY[k] += row + 0.5;
-      }
-      if (histogram) {
-#if OSTREL_CHECKED
-        if (!objects::InHistogram(v[c]))
-          objects::ReportElement(__func__, "values", rowStart + c, v[c], "0 .. 255");
-#endif
-        if (objects::InHistogram(v[c])) objects::CountUp(features[k].histogram[v[c]]);
-      }
-      if (!tmp.done[k]) {
-        // The object's first pixel in raster order starts its contour.
-        features[k].perimeter =
-            FollowContour(labels, p + c, width, height, r.left, r.top, r.width, r.height,
-                          objects::ObjectLabel(k, firstLabel), nullptr, nullptr);
-        tmp.done[k] = 1;
-      }
-      ++tmp.counter[k];
-    }
-  }
-
+  // One pass over the records, fetching them ahead: with many objects they
+  // have left the cache since their first pixel.
+  const int ahead = 16;
   for (int k = 0; k < objectCount; ++k) {
+    if (k < objectCount - ahead) objects::PrefetchForWrite(&features[k + ahead]);
     SFeature &f = features[k];
     const std::int64_t count = tmp.counter[k];
+    if (histogram && count == 0) std::memset(f.histogram, 0, sizeof(f.histogram));
     f.pixelCount = objects::SaturatedCount(static_cast<std::uint64_t>(count));
     // An object without pixels divides by zero here; its roundness is not
     // a number then.
@@ -407,16 +559,13 @@ int MultiObjectFeatureExtract(T *labels, int width, int height, int left, int to
       f.centroidX = 0.0;
       f.centroidY = 0.0;
     }
+    if (!orientation) f.orientation = 0.0;
   }
 
-  if (orientation) {
-    if (!objects::MeasureOrientations(labels, width, r, firstLabel, objectCount, features,
-                                      tmp.boxes)) {
-      *aborted = 1;
-      return -1;
-    }
-  } else {
-    for (int k = 0; k < objectCount; ++k) features[k].orientation = 0.0;
+  if (orientation && !objects::MeasureOrientations(labels, width, r, firstLabel, objectCount,
+                                                   features, tmp.boxes)) {
+    *aborted = 1;
+    return -1;
   }
   return 0;
 }
