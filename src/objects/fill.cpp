@@ -142,7 +142,7 @@ class RunLabels {
   static constexpr int kStretch = 32;
   // Rows with a run for every kDenseRun columns or more are written pixel
   // by pixel.
-  static constexpr std::uint64_t kDenseRun = 8;
+  static constexpr std::uint64_t kDenseRun = 5;
   // The most runs labelled this way, at 12 bytes a run (the rest go to the
   // scan of fills): 768 MiB, or 48 MiB in a 32-bit process.
   static constexpr std::uint32_t kMaxRuns =
@@ -276,7 +276,12 @@ class RunLabels {
     std::uint32_t next = 0;
     const auto write = [&](T *row, std::uint32_t j, std::uint32_t number) {
       const T label = StepLabel(firstLabel, ascending, number & ~kNumbered);
-      std::fill(row + bounds_[2 * j], row + bounds_[2 * j + 1], label);
+      // The ends first, then what lies between: on short runs the loop
+      // is not entered.
+      const int x1 = bounds_[2 * j], last = bounds_[2 * j + 1] - 1;
+      row[x1] = label;
+      row[last] = label;
+      for (int x = x1 + 1; x < last; ++x) row[x] = label;
     };
     for (int y = 0; y <= r.height; ++y) {
       T *row = buffer + static_cast<std::ptrdiff_t>(r.top + y) * width + r.left;
