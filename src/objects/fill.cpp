@@ -321,9 +321,9 @@ class RunLabels {
       }
       if (dense) {
         // Each pixel of objectValue takes its run's label (k counts the
-        // runs begun), the others are stored back as they were.
-        // Blended by a mask rather than chosen, as a branch here would
-        // be taken at random on noise.
+        // runs begun), the others are stored back as they were: blended by
+        // a mask rather than chosen, as a branch here would go either way
+        // at random on noise.
         rowLabels[0] = objectValue;
         std::uint32_t k = 0, in = 0;
         for (int x = 0; x < cols; ++x) {
