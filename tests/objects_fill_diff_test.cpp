@@ -100,7 +100,7 @@ TEST(ObjectsFillDiff, SpansMatchStepsForSeedsInAndOutsideTheLimits) {
 // Random regions, object and background values among the labels, first
 // labels a few steps before a reserved value or the wrap, both directions,
 // stops early, late or never; masks up to 64 x 48, a few up to 160 x 120,
-// for runs of many objects.
+// for runs of many objects, some with rows of long runs.
 template <class T>
 void CompareLabels(std::uint32_t seed, const std::vector<int> &values) {
   std::mt19937 rng(seed);
@@ -114,6 +114,14 @@ void CompareLabels(std::uint32_t seed, const std::vector<int> &values) {
     const int density = any(4) == 0 ? (any(2) ? 2 : 98) : 30 + any(50);
     std::vector<T> a(w * h);
     for (T &v : a) v = any(100) < density ? object : any(4) ? background : pick();
+    if (big && any(2)) {
+      // Rows of long runs in and out by turns, so that a row stays inside
+      // or outside over many columns while the next one turns within them.
+      for (int y = 0; y < h; ++y)
+        for (int x = 0, in = any(2); x < w; in = !in)
+          for (const int e = std::min(w, x + 1 + any(48)); x < e; ++x)
+            if (in) a[y * w + x] = object;
+    }
     std::vector<T> b = a;
     const int l = any(w + 2) - 1, t = any(h + 2) - 1, rw = any(w + 3) - 1, rh = any(h + 3) - 1;
     const bool ascending = any(3) != 0;

@@ -132,7 +132,7 @@ class RunLabels {
   bool Label(T *buffer, int width, const ClampedRegion &r, T objectValue, T firstLabel,
              bool ascending, std::uint64_t plain) {
     if (!Collect(buffer, width, r, objectValue)) return false;
-    NumberAndWrite(buffer, width, r, firstLabel, ascending, plain);
+    NumberAndWrite(buffer, width, r, objectValue, firstLabel, ascending, plain);
     return true;
   }
 
@@ -140,6 +140,9 @@ class RunLabels {
   // Marks an object's number in parent_, above every run number.
   static constexpr std::uint32_t kNumbered = 0x80000000u;
   static constexpr int kStretch = 32;
+  // Rows with a run for every kDenseRun columns or more are written pixel
+  // by pixel.
+  static constexpr std::uint64_t kDenseRun = 5;
   // The most runs labelled this way, at 12 bytes a run (the rest go to the
   // scan of fills): 768 MiB, or 48 MiB in a 32-bit process.
   static constexpr std::uint32_t kMaxRuns =
@@ -166,9 +169,10 @@ class RunLabels {
         std::min<std::uint64_t>(kMaxRuns, static_cast<std::uint64_t>(cols / 2 + 1) * rows));
     bounds_.reset(new int[2 * room + static_cast<std::size_t>(cols) + 2]);
     parent_.reset(new std::uint32_t[room]);
-    // The pairs of runs that meet between two rows: at most one per run of
-    // either row.
-    pairs_.reset(new std::uint32_t[2 * static_cast<std::size_t>(cols) + 4]);
+    // The pairs of runs that meet between two rows: fewer than the runs of
+    // both rows, so at most cols, and room for two noted beyond the last.
+    pairs_.reset(new std::uint32_t[2 * static_cast<std::size_t>(cols) + 8]);
+    turns_.reset(new std::uint32_t[2 * static_cast<std::size_t>(cols)]);
     rowStart_.assign(static_cast<std::size_t>(rows) + 1, 0);
     std::uint32_t n = 0;
     for (int y = 0; y < rows; ++y) {
@@ -177,14 +181,17 @@ class RunLabels {
       // without a branch per pixel: the runs' starts and ends by turns.
       // Stretches of kStretch pixels that all stay inside or all stay
       // outside are counted (a sum the compiler vectorises) and passed over.
+      // turns[x] is the number of those columns up to and including x.
       int *b = bounds_.get() + 2 * static_cast<std::size_t>(n);
-      std::size_t nb = 0;
+      std::uint32_t *turns = turns_.get() + (y & 1) * static_cast<std::size_t>(cols);
+      std::uint32_t nb = 0;
       bool in = false;
       for (int x = 0; x < cols;) {
         if (cols - x >= kStretch) {
           int objects = 0;
           for (int i = 0; i < kStretch; ++i) objects += row[x + i] == objectValue;
           if (objects == (in ? kStretch : 0)) {
+            for (int i = 0; i < kStretch; ++i) turns[x + i] = nb;
             x += kStretch;
             continue;
           }
@@ -194,30 +201,42 @@ class RunLabels {
           b[nb] = x;
           nb += object != in;
           in = object;
+          turns[x] = nb;
         }
       }
       b[nb] = cols;
       nb += in;
-      const std::uint32_t found = static_cast<std::uint32_t>(nb / 2);
+      const std::uint32_t found = nb / 2;
       if (found > room - n) return false;
-      const std::uint32_t above = y > 0 ? rowStart_[y - 1] : 0, aboveEnd = n;
+      const std::uint32_t above = y > 0 ? rowStart_[y - 1] : 0;
       rowStart_[y] = n;
-      // Each run joined with the runs above that share a column: the two
-      // rows' runs swept in column order, each step leaving behind the run
-      // that ends first (no later run of the other row reaches it), the
-      // pairs that meet noted without a branch and joined afterwards.
+      // Each run joined with the runs above that share a column. The row
+      // above's turns give them without a walk: before column x it has
+      // turns[x] / 2 runs ended, up to x (turns[x] + 1) / 2 begun, so the
+      // run over columns x1 .. stop - 1 meets the runs above from the first
+      // not ended at x1 to the last begun at stop - 1. The pairs are noted
+      // (the first two without a branch) and joined afterwards.
       const std::uint32_t end = n + found;
       std::uint32_t *pairs = pairs_.get();
       std::size_t np = 0;
-      for (std::uint32_t i = n, a = above; i < end && a < aboveEnd;) {
-        const int x1 = bounds_[2 * i], stop = bounds_[2 * i + 1];
-        const int aboveX1 = bounds_[2 * a], aboveStop = bounds_[2 * a + 1];
-        pairs[np] = i;
-        pairs[np + 1] = a;
-        np += 2 * (aboveX1 < stop && aboveStop > x1);
-        const bool leaveRun = stop <= aboveStop;
-        i += leaveRun;
-        a += !leaveRun;
+      if (y > 0) {
+        const std::uint32_t *aboveTurns =
+            turns_.get() + ((y - 1) & 1) * static_cast<std::size_t>(cols);
+        for (std::uint32_t i = n; i < end; ++i) {
+          const int x1 = bounds_[2 * i], stop = bounds_[2 * i + 1];
+          const std::uint32_t a = above + aboveTurns[x1] / 2;
+          const std::uint32_t aEnd = above + (aboveTurns[stop - 1] + 1) / 2;
+          pairs[np] = i;
+          pairs[np + 1] = a;
+          pairs[np + 2] = i;
+          pairs[np + 3] = a + 1;
+          np += 2 * std::min<std::uint32_t>(aEnd - a, 2);
+          for (std::uint32_t k = a + 2; k < aEnd; ++k) {
+            pairs[np] = i;
+            pairs[np + 1] = k;
+            np += 2;
+          }
+        }
       }
       for (std::uint32_t i = n; i < end; ++i) parent_[i] = i;
       // The pairs come run by run; a run's root is kept from one pair to the
@@ -248,17 +267,31 @@ class RunLabels {
   // column, each the last of its row) has the number in its root's entry:
   // those runs are written at the end.
   template <typename T>
-  void NumberAndWrite(T *buffer, int width, const ClampedRegion &r, T firstLabel, bool ascending,
-                      std::uint64_t plain) {
+  void NumberAndWrite(T *buffer, int width, const ClampedRegion &r, T objectValue, T firstLabel,
+                      bool ascending, std::uint64_t plain) {
+    const int cols = r.width + 1;
+    // A row's labels by run, from index 1 (0 stands before the first run),
+    // objectValue for the runs left as they are.
+    std::unique_ptr<T[]> rowLabels(new T[static_cast<std::size_t>(cols) / 2 + 3]);
     std::uint32_t next = 0;
     const auto write = [&](T *row, std::uint32_t j, std::uint32_t number) {
       const T label = StepLabel(firstLabel, ascending, number & ~kNumbered);
-      std::fill(row + bounds_[2 * j], row + bounds_[2 * j + 1], label);
+      // The ends first, then what lies between: on short runs the loop
+      // is not entered.
+      const int x1 = bounds_[2 * j], last = bounds_[2 * j + 1] - 1;
+      row[x1] = label;
+      row[last] = label;
+      for (int x = x1 + 1; x < last; ++x) row[x] = label;
     };
     for (int y = 0; y <= r.height; ++y) {
       T *row = buffer + static_cast<std::ptrdiff_t>(r.top + y) * width + r.left;
       const bool scannedRow = y < r.height;
-      for (std::uint32_t j = rowStart_[y]; j < rowStart_[y + 1]; ++j) {
+      const std::uint32_t first = rowStart_[y], last = rowStart_[y + 1];
+      // Short runs close together are written pixel by pixel (no branch on
+      // a run's length), the others by a fill each.
+      const bool dense =
+          static_cast<std::uint64_t>(last - first) * kDenseRun >= static_cast<std::uint64_t>(cols);
+      for (std::uint32_t j = first; j < last; ++j) {
         // The parent's entry is a number or the root; the root's entry (the
         // run's own while it is a root) then a number or the root itself.
         // Taken without branches on which it is: the second load reads
@@ -273,12 +306,33 @@ class RunLabels {
         parent_[fresh ? found : j] = entry;
         parent_[j] = entry;
         next += fresh;
-        if ((entry & kNumbered) != 0) {
+        const bool labelled = (entry & kNumbered) != 0;
+        if (dense) {
+          rowLabels[1 + (j - first)] =
+              labelled ? StepLabel(firstLabel, ascending, entry & ~kNumbered) : objectValue;
+        } else if (labelled) {
           write(row, j, entry);
-        } else if (scanned && !more) {
+        }
+        if (!labelled && scanned && !more) {
           more = true;
           nextX = r.left + bounds_[2 * j];
           nextY = r.top + y;
+        }
+      }
+      if (dense) {
+        // Each pixel of objectValue takes its run's label (k counts the
+        // runs begun), the others are stored back as they were: blended by
+        // a mask rather than chosen, as a branch here would go either way
+        // at random on noise.
+        rowLabels[0] = objectValue;
+        std::uint32_t k = 0, in = 0;
+        for (int x = 0; x < cols; ++x) {
+          const T v = row[x];
+          const std::uint32_t object = v == objectValue;
+          k += object & ~in;
+          in = object;
+          const T mask = static_cast<T>(0u - object);
+          row[x] = static_cast<T>((rowLabels[k] & mask) | (v & static_cast<T>(~mask)));
         }
       }
     }
@@ -299,7 +353,8 @@ class RunLabels {
   std::unique_ptr<int[]> bounds_;
   std::unique_ptr<std::uint32_t[]> parent_;
   std::unique_ptr<std::uint32_t[]> pairs_;
-  std::vector<std::uint32_t> rowStart_;  // each row's first run, and the end
+  std::unique_ptr<std::uint32_t[]> turns_;  // two rows' turns, by row parity
+  std::vector<std::uint32_t> rowStart_;     // each row's first run, and the end
 };
 
 }  // namespace
