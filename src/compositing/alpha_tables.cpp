@@ -105,14 +105,7 @@ void ApplyAlphaToL12(unsigned short *buffer, unsigned char *alpha, unsigned int 
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   compositing::WordMap map;
   map.opacity = opacity;
-  const compositing::WordMapKernel kernel = compositing::WordMapKernelsFor(e.columns).applyAlpha;
-  for (std::uint32_t j = 0; j < e.rows; ++j) {
-    compositing::WordMapRow row;
-    row.n = e.columns;
-    row.src = row.words = b.Row(j);
-    row.alpha = m.Row(j);
-    kernel(row, map);
-  }
+  compositing::MapWordsInPlace(b, &m, e, &compositing::WordMapKernels::applyAlpha, map);
 }
 
 void InvertAlphaL08(unsigned char *buffer, unsigned char *alpha, unsigned int width,
@@ -153,13 +146,7 @@ void ApplyLUTToL12(unsigned short *buffer, unsigned int width, unsigned int heig
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   compositing::WordMap map;
   map.table = table;
-  const compositing::WordMapKernel kernel = compositing::WordMapKernelsFor(e.columns).lookup;
-  for (std::uint32_t j = 0; j < e.rows; ++j) {
-    compositing::WordMapRow row;
-    row.n = e.columns;
-    row.src = row.words = b.Row(j);
-    kernel(row, map);
-  }
+  compositing::MapWordsInPlace(b, nullptr, e, &compositing::WordMapKernels::lookup, map);
 }
 
 void PostApplyAlpha(unsigned char *alpha, unsigned char *buffer, unsigned int count) {

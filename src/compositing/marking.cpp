@@ -94,13 +94,7 @@ void ConvertL12To2LevelL12(unsigned short *buffer, unsigned int width, unsigned 
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   compositing::WordMap map;
   map.level = 255;
-  const compositing::WordMapKernel kernel = compositing::WordMapKernelsFor(e.columns).twoLevelWords;
-  frame::ForEachRow(b, e, [&](unsigned short *row, std::uint32_t n) {
-    compositing::WordMapRow r;
-    r.n = n;
-    r.src = r.words = row;
-    kernel(r, map);
-  });
+  compositing::MapWordsInPlace(b, nullptr, e, &compositing::WordMapKernels::twoLevelWords, map);
 }
 
 void ConvertL12To2LevelL12(unsigned short *src, unsigned int srcWidth, unsigned int srcHeight,

@@ -11,6 +11,7 @@
 #include <cstdint>
 
 #include "frame/dispatch.h"
+#include "frame/region.h"
 
 namespace ostrel {
 namespace compositing {
@@ -57,6 +58,22 @@ constexpr std::size_t kWordMapVectorFrom = 16;
 // The table to map rows of n pixels with.
 inline const WordMapKernels &WordMapKernelsFor(std::size_t n) {
   return n < kWordMapVectorFrom ? WordMapKernelsScalar : ActiveWordMapKernels();
+}
+
+// Runs one entry of the tables over each row of a clipped one-buffer region,
+// in place; alpha, when not null, pairs its rows with the buffer's (the
+// same geometry).
+inline void MapWordsInPlace(const frame::Plane<unsigned short> &buffer,
+                            const frame::Plane<unsigned char> *alpha, frame::Extent e,
+                            WordMapKernel WordMapKernels::*entry, const WordMap &map) {
+  const WordMapKernel kernel = WordMapKernelsFor(e.columns).*entry;
+  for (std::uint32_t j = 0; j < e.rows; ++j) {
+    WordMapRow row;
+    row.n = e.columns;
+    row.src = row.words = buffer.Row(j);
+    if (alpha != nullptr) row.alpha = alpha->Row(j);
+    kernel(row, map);
+  }
 }
 
 }  // namespace compositing
