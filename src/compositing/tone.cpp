@@ -183,18 +183,27 @@ void RecolourRow(unsigned int *b, const unsigned char *alpha, std::uint32_t n, c
 
 // ---- Regions -------------------------------------------------------------------
 
-// Clips a two-buffer region, reports null source or destination pointers in
-// the checked build, and calls row(srcRow, dstRow, columns) for each row.
+// A table the member cannot do without (tableName null: none).
+struct RequiredTable {
+  const void *table;
+  const char *tableName;
+};
+
+// Clips a two-buffer region, reports null source or destination pointers (and
+// a null required table) in the checked build, and calls row(srcRow, dstRow,
+// columns) for each row.
 template <class Src, class Dst, class RowFn>
 void TwoBufferRows(Src *src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcLeft,
                    unsigned int srcTop, Dst *dst, unsigned int dstWidth, unsigned int dstHeight,
                    unsigned int dstLeft, unsigned int dstTop, unsigned int regionWidth,
-                   unsigned int regionHeight, const char *function, RowFn &&row) {
+                   unsigned int regionHeight, const char *function, RowFn &&row,
+                   RequiredTable required = {nullptr, nullptr}) {
   const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
   const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
   ExpectPointer(function, "src", src, e);
   ExpectPointer(function, "dst", dst, e);
+  if (required.tableName != nullptr) ExpectPointer(function, required.tableName, required.table, e);
   frame::ForEachRowPair(s, d, e, row);
 }
 
@@ -280,9 +289,10 @@ void TransferToneL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned in
                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                           unsigned int dstTop, const unsigned char *tone, unsigned char opacity,
                           unsigned int regionWidth, unsigned int regionHeight, bool exact) {
+  const char *const function = __func__;  // the lambda's own is operator()
   compositing::InForm(exact, [&](auto form) {
     compositing::TwoBufferRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                               dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                               dstLeft, dstTop, regionWidth, regionHeight, function,
                                [&](const unsigned char *s, unsigned char *d, std::uint32_t n) {
                                  compositing::ToneRow<decltype(form)::value>(s, d, n, tone,
                                                                              opacity);
@@ -325,14 +335,15 @@ void TransferToneL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned in
                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                           unsigned int dstTop, const unsigned int *palette, unsigned char opacity,
                           unsigned int regionWidth, unsigned int regionHeight, bool exact) {
+  const char *const function = __func__;  // the lambda's own is operator()
   compositing::InForm(exact, [&](auto form) {
     compositing::TwoBufferRows(
         src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-        regionWidth, regionHeight, __func__,
+        regionWidth, regionHeight, function,
         [&](const unsigned char *s, unsigned int *d, std::uint32_t n) {
-          compositing::ExpectPointer(__func__, "palette", palette, frame::Extent{n, 1});
           compositing::RampRow<decltype(form)::value>(s, d, n, palette, opacity);
-        });
+        },
+        compositing::RequiredTable{palette, "palette"});
   });
 }
 
@@ -341,9 +352,10 @@ void TransferToneTRCToL08(unsigned int *src, unsigned int srcWidth, unsigned int
                           unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
                           unsigned int dstTop, const unsigned char *tone, unsigned char opacity,
                           unsigned int regionWidth, unsigned int regionHeight, bool exact) {
+  const char *const function = __func__;  // the lambda's own is operator()
   compositing::InForm(exact, [&](auto form) {
     compositing::TwoBufferRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                               dstLeft, dstTop, regionWidth, regionHeight, __func__,
+                               dstLeft, dstTop, regionWidth, regionHeight, function,
                                [&](const unsigned int *s, unsigned char *d, std::uint32_t n) {
                                  compositing::LumaRow<decltype(form)::value>(s, d, n, tone,
                                                                              opacity);
