@@ -107,9 +107,9 @@ TEST(ToneOperations, HandComputedPixels) {
       {kRamp, E, N, 0, 255, 1, 0x12102030, 0x12102030, 1},
       {kRamp, E, N, 0, 255, 0, 0x12102030, 0x12102030, 0},
       {kRamp, E, N, 0, 0, 255, 0x12102030, 0x12102030, 255},
-      // Luminance: y(red 100, green 50, blue 200) = 21128 >> 8 = 82.
-      {kLuma, E, N, 0, 255, 0xFF6432C8, 10, 82, 0},
-      {kLuma, F, N, 0, 255, 0xFF6432C8, 10, 81, 0},
+      // Luminance: y(red 100, green 50, blue 205) = 21273 >> 8 = 83 (rounded up).
+      {kLuma, E, N, 0, 255, 0xFF6432CD, 10, 83, 0},
+      {kLuma, F, N, 0, 255, 0xFF6432CD, 10, 82, 0},
       {kLuma, E, N, 0, 255, 0xFFFFFFFF, 0, 255, 0},    // white
       {kLuma, E, N, 0, 255, 0xFF000000, 200, 0, 0},    // black
       {kLuma, E, A, 0, 255, 0xFFFFFFFF, 200, 0, 0},    // tone[255]
@@ -190,6 +190,18 @@ TEST(ToneOperations, ClippingAndProtection) {
   std::vector<u32> b(6, kFrom);
   ChangeColorOfTRCWithAlpha(b.data(), nullptr, 3, 2, 1, 1, kFrom, kTo, 0, 255, 9, 9, true);
   EXPECT_EQ(b, (std::vector<u32>{kFrom, kFrom, kFrom, kFrom, kTo, kTo}));
+
+  // Alpha with the source's geometry (recolouring: the buffer's), row by row:
+  // 2x2 from (1, 1) of 3x3, covered only on the diagonal.
+  std::vector<u8> diagonal = {0, 0, 0, 0, 255, 0, 0, 0, 255};
+  std::vector<u8> lit(2 * 2, 50);
+  std::vector<u8> light(9, 200);
+  LighterL08ToL08WithAlpha(light.data(), diagonal.data(), 3, 3, 1, 1, lit.data(), 2, 2, 0, 0, 255,
+                           9, 9, true);
+  EXPECT_EQ(lit, (std::vector<u8>{200, 50, 50, 200}));
+  std::vector<u32> c(9, kFrom);
+  ChangeColorOfTRCWithAlpha(c.data(), diagonal.data(), 3, 3, 1, 1, kFrom, kTo, 0, 255, 9, 9, true);
+  EXPECT_EQ(c, (std::vector<u32>{kFrom, kFrom, kFrom, kFrom, kTo, kFrom, kFrom, kFrom, kTo}));
 }
 
 }  // namespace
