@@ -1447,6 +1447,156 @@ OSTREL_API void AlphaBlendBGR32AlphaToBGR32(unsigned char *alpha, unsigned int a
                                             double scaleY);
 
 // ===========================================================================
+// Tone operations
+// ===========================================================================
+// Tone curves, ink moves, colour ramps, darken and lighten, and recolouring.
+// Buffers, clipping and the blend arithmetic as at the top of this header:
+// two-buffer members clip against the source, then the destination; the
+// recolouring clips against its one buffer. Members marked "both forms" run
+// the fast form when `exact` is false and the processor offers MMX; the
+// others always run the exact form. A TRC destination keeps its alpha byte.
+// A null table, palette or alpha pointer is allowed only where a member says
+// so; any other null pointer with a non-empty region is the caller's error
+// (the checked build reports it).
+
+// A tone curve applied from one grey layer into another: t = tone[s] (tone
+// null: t = s), coverage 255, so W = opacity (exact) or
+// w = (255 * opacity) >> 8 (fast); d moves toward t. With opacity 255 in the
+// exact form the destination becomes exactly tone[s]. Both forms.
+OSTREL_API void TransferToneL08ToL08(unsigned char *src, unsigned int srcWidth,
+                                     unsigned int srcHeight, unsigned int srcLeft,
+                                     unsigned int srcTop, unsigned char *dst,
+                                     unsigned int dstWidth, unsigned int dstHeight,
+                                     unsigned int dstLeft, unsigned int dstTop,
+                                     const unsigned char *tone, unsigned char opacity,
+                                     unsigned int regionWidth, unsigned int regionHeight,
+                                     bool exact);
+
+// Moves ink from the source separation into the destination, except where
+// protected. The protection buffer is read from its own corner with its own
+// stride (protectWidth); it takes no part in clipping and protectHeight is
+// not read. protect null: nothing is protected. Per pixel with protection
+// byte p: p != 0 leaves both pixels alone; otherwise m = (s * opacity) / 255,
+// m = min(m, 255 - d), then d += m and s -= m. So s + d is the same before
+// and after for every pixel, and nothing overflows. The only tone member that
+// writes its source. The source and destination regions must not share
+// memory (the checked build reports an overlap). Exact arithmetic only.
+OSTREL_API void MoveToneL08ToL08Prot(unsigned char *src, unsigned int srcWidth,
+                                     unsigned int srcHeight, unsigned int srcLeft,
+                                     unsigned int srcTop, unsigned char *protect,
+                                     unsigned int protectWidth, unsigned int protectHeight,
+                                     unsigned int protectLeft, unsigned int protectTop,
+                                     unsigned char *dst, unsigned int dstWidth,
+                                     unsigned int dstHeight, unsigned int dstLeft,
+                                     unsigned int dstTop, unsigned char opacity,
+                                     unsigned int regionWidth, unsigned int regionHeight);
+
+// A grey layer shown in colour through a 256-entry ramp (a separation in its
+// ink, from paper to full ink, or any gradient map): k = palette[s] (palette
+// never null). The alpha byte of k is the coverage c: blue, green and red of
+// d move toward those of k with W = (c * opacity) / 255 (exact) or
+// w = (c * opacity) >> 8 (fast). Both forms.
+OSTREL_API void TransferToneL08ToTRC(unsigned char *src, unsigned int srcWidth,
+                                     unsigned int srcHeight, unsigned int srcLeft,
+                                     unsigned int srcTop, unsigned int *dst,
+                                     unsigned int dstWidth, unsigned int dstHeight,
+                                     unsigned int dstLeft, unsigned int dstTop,
+                                     const unsigned int *palette, unsigned char opacity,
+                                     unsigned int regionWidth, unsigned int regionHeight,
+                                     bool exact);
+
+// The tone of a colour picture into a grey layer: the luminance
+// y = (77 * red + 150 * green + 29 * blue + 128) >> 8 (white gives 255,
+// black 0), t = tone[y] (tone null: t = y). The source's alpha byte a is the
+// coverage: d moves toward t with W = (a * opacity) / 255 (exact) or
+// w = (a * opacity) >> 8 (fast). Both forms.
+OSTREL_API void TransferToneTRCToL08(unsigned int *src, unsigned int srcWidth,
+                                     unsigned int srcHeight, unsigned int srcLeft,
+                                     unsigned int srcTop, unsigned char *dst,
+                                     unsigned int dstWidth, unsigned int dstHeight,
+                                     unsigned int dstLeft, unsigned int dstTop,
+                                     const unsigned char *tone, unsigned char opacity,
+                                     unsigned int regionWidth, unsigned int regionHeight,
+                                     bool exact);
+
+// Darken and lighten (overprinting two inks shows the darker) through an
+// alpha buffer with the source's geometry (same index, stride srcWidth);
+// alpha null means full coverage (c = 255). Per channel (the pixel for grey;
+// blue, green and red for TRC) the target is t = min(s, d) for Darker and
+// max(s, d) for Lighter, and d moves toward t with c = alpha byte. L08 and
+// TRC: both forms. L12: exact form only (`exact` is ignored), on the whole
+// 16-bit words, neither shifted nor clamped. The alpha byte of a TRC source
+// plays no part.
+OSTREL_API void DarkerL08ToL08WithAlpha(unsigned char *src, unsigned char *alpha,
+                                        unsigned int srcWidth, unsigned int srcHeight,
+                                        unsigned int srcLeft, unsigned int srcTop,
+                                        unsigned char *dst, unsigned int dstWidth,
+                                        unsigned int dstHeight, unsigned int dstLeft,
+                                        unsigned int dstTop, unsigned char opacity,
+                                        unsigned int regionWidth, unsigned int regionHeight,
+                                        bool exact);
+
+OSTREL_API void LighterL08ToL08WithAlpha(unsigned char *src, unsigned char *alpha,
+                                         unsigned int srcWidth, unsigned int srcHeight,
+                                         unsigned int srcLeft, unsigned int srcTop,
+                                         unsigned char *dst, unsigned int dstWidth,
+                                         unsigned int dstHeight, unsigned int dstLeft,
+                                         unsigned int dstTop, unsigned char opacity,
+                                         unsigned int regionWidth, unsigned int regionHeight,
+                                         bool exact);
+
+OSTREL_API void DarkerL12ToL12WithAlpha(unsigned short *src, unsigned char *alpha,
+                                        unsigned int srcWidth, unsigned int srcHeight,
+                                        unsigned int srcLeft, unsigned int srcTop,
+                                        unsigned short *dst, unsigned int dstWidth,
+                                        unsigned int dstHeight, unsigned int dstLeft,
+                                        unsigned int dstTop, unsigned char opacity,
+                                        unsigned int regionWidth, unsigned int regionHeight,
+                                        bool exact);
+
+OSTREL_API void LighterL12ToL12WithAlpha(unsigned short *src, unsigned char *alpha,
+                                         unsigned int srcWidth, unsigned int srcHeight,
+                                         unsigned int srcLeft, unsigned int srcTop,
+                                         unsigned short *dst, unsigned int dstWidth,
+                                         unsigned int dstHeight, unsigned int dstLeft,
+                                         unsigned int dstTop, unsigned char opacity,
+                                         unsigned int regionWidth, unsigned int regionHeight,
+                                         bool exact);
+
+OSTREL_API void DarkerTRCToTRCWithAlpha(unsigned int *src, unsigned char *alpha,
+                                        unsigned int srcWidth, unsigned int srcHeight,
+                                        unsigned int srcLeft, unsigned int srcTop,
+                                        unsigned int *dst, unsigned int dstWidth,
+                                        unsigned int dstHeight, unsigned int dstLeft,
+                                        unsigned int dstTop, unsigned char opacity,
+                                        unsigned int regionWidth, unsigned int regionHeight,
+                                        bool exact);
+
+OSTREL_API void LighterTRCToTRCWithAlpha(unsigned int *src, unsigned char *alpha,
+                                         unsigned int srcWidth, unsigned int srcHeight,
+                                         unsigned int srcLeft, unsigned int srcTop,
+                                         unsigned int *dst, unsigned int dstWidth,
+                                         unsigned int dstHeight, unsigned int dstLeft,
+                                         unsigned int dstTop, unsigned char opacity,
+                                         unsigned int regionWidth, unsigned int regionHeight,
+                                         bool exact);
+
+// Recolouring that keeps the shading. One buffer, one-buffer clipping; the
+// alpha buffer has the buffer's own geometry (same index, same stride) and
+// alpha null means full coverage. Per pixel, with e = channel - fromColour's
+// channel for blue, green and red: where max |e| <= tolerance the target of
+// each channel is clamp(toColour's channel + e, 0, 255), and the channel
+// moves toward it with c = alpha byte; otherwise the pixel is left alone.
+// Bits 24-31 of fromColour and toColour are ignored. Both forms.
+OSTREL_API void ChangeColorOfTRCWithAlpha(unsigned int *buffer, unsigned char *alpha,
+                                          unsigned int width, unsigned int height,
+                                          unsigned int left, unsigned int top,
+                                          unsigned int fromColour, unsigned int toColour,
+                                          unsigned char tolerance, unsigned char opacity,
+                                          unsigned int regionWidth, unsigned int regionHeight,
+                                          bool exact);
+
+// ===========================================================================
 // Binary objects and masks
 // ===========================================================================
 

@@ -175,6 +175,20 @@ TEST(CheckedBuildDeathTest, CallerErrorsAbortNamingFunctionAndCondition) {
          HardFrameDownL08toL08(s, d, 5, 9, t, 3, 2), HardFrameDownL08toL08(s, d, 4, 9, t, 3, 2);
        },
        "HardFrameDownL08toL08: width is 4, expected more than 2 \\* frameWidth \\(4\\)"},
+      {[] { TransferToneL08ToTRC(nullptr, 8, 8, 0, 0, g_b, 8, 8, 0, 0, g_a, 255, 1, 1, true); },
+       "TransferToneL08ToTRC: src is .*, expected not null"},
+      {[] {
+         TransferToneL08ToTRC(reinterpret_cast<unsigned char *>(g_a), 8, 8, 0, 0, g_b, 8, 8, 0, 0,
+                              nullptr, 255, 1, 1, true);
+       },
+       "TransferToneL08ToTRC: palette is .*, expected not null"},
+      {[] { ChangeColorOfTRCWithAlpha(nullptr, nullptr, 8, 8, 0, 0, 0, 0, 0, 255, 1, 1, true); },
+       "ChangeColorOfTRCWithAlpha: buffer is .*, expected not null"},
+      {[] {
+         auto *bytes = reinterpret_cast<unsigned char *>(g_a);  // rows 1-2 against rows 0-1
+         MoveToneL08ToL08Prot(bytes, 8, 8, 0, 1, nullptr, 0, 0, 0, 0, bytes, 8, 8, 2, 0, 255, 4, 2);
+       },
+       "MoveToneL08ToL08Prot: dst is .*, expected a region that shares no memory"},
   };
   for (const auto &e : errors) {
     EXPECT_DEATH(e.call(), std::string("Ostrel: caller error in ") + e.message);
@@ -197,6 +211,9 @@ TEST(CheckedBuildDeathTest, ValidCallsRunThrough) {
         unsigned char mask[16] = {};       // a mask region that just fits
         AlphaBlendColorToTRC(0, mask, 4, 4, 1, 2, g_b, 8, 8, 0, 0, 255, 3, 2, true);
         ConvertBufferFrom32To24Bits(g_a, reinterpret_cast<unsigned char *>(g_b), 64);
+        auto *bytes = reinterpret_cast<unsigned char *>(g_a);  // side by side in one buffer
+        MoveToneL08ToL08Prot(bytes, 8, 8, 0, 0, nullptr, 0, 0, 0, 0, bytes, 8, 8, 4, 0, 255, 4, 8);
+        TransferToneL08ToTRC(nullptr, 8, 8, 8, 0, g_b, 8, 8, 0, 0, nullptr, 255, 5, 5, true);
         std::exit(0);
       },
       ::testing::ExitedWithCode(0), "");

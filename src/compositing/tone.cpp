@@ -1,0 +1,443 @@
+// Tone operations: tone curves between grey layers, the ink move between two
+// separations, colour ramps and luminance between grey and colour, darken and
+// lighten, and the recolouring of a TRC buffer.
+//
+// Each member clips its region, checks its pointers in the checked build and
+// hands every row to one small row function below, in the form the call runs
+// (the fast form only where the member has one). The row functions hold the
+// per-pixel rules; they are the places where vector kernels can take over.
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+#include "Ostrel.h"
+#include "compositing/trc_blend.h"
+#include "frame/blend.h"
+#include "frame/checked.h"
+#include "frame/region.h"
+
+namespace ostrel {
+namespace compositing {
+namespace {
+
+using frame::blend::Form;
+
+template <Form form>
+using FormTag = std::integral_constant<Form, form>;
+
+// Calls run(FormTag) with the form the call runs: the fast form when exact is
+// false and the module's fast-form flag is set, else the exact form.
+template <class Run>
+void InForm(bool exact, Run &&run) {
+  if (FormIndex(exact) == static_cast<int>(Form::kFast)) {
+    run(FormTag<Form::kFast>{});
+  } else {
+    run(FormTag<Form::kExact>{});
+  }
+}
+
+// The weight of coverage c at the call's opacity; a null alpha row means
+// full coverage.
+template <Form form>
+std::uint32_t CoverWeight(const unsigned char *alpha, std::uint32_t i, std::uint32_t opacity) {
+  return frame::blend::Weight<form>(alpha != nullptr ? alpha[i] : 255u, opacity);
+}
+
+// The checked build's report of a required pointer that is null while the
+// clipped region is not empty.
+template <class P>
+void ExpectPointer(const char *function, const char *argument, const P *pointer, frame::Extent e) {
+  OSTREL_EXPECT(function, argument, static_cast<const void *>(pointer),
+                e.Empty() || pointer != nullptr, "not null");
+}
+
+// ---- Row functions -----------------------------------------------------------
+
+// d toward t = tone[s] (tone null: t = s) by the weight of full coverage.
+template <Form form>
+void ToneRow(const unsigned char *s, unsigned char *d, std::uint32_t n, const unsigned char *tone,
+             std::uint32_t opacity) {
+  const std::uint32_t w = frame::blend::Weight<form>(255u, opacity);
+  for (std::uint32_t i = 0; i < n; ++i) {
+    const std::int32_t t = tone != nullptr ? tone[s[i]] : s[i];
+    d[i] = static_cast<unsigned char>(frame::blend::Channel<form>(d[i], t, w));
+  }
+}
+
+// The ink move: m = min((s * opacity) / 255, 255 - d) goes from s to d,
+// except where the protection byte is not 0 (protect null: nowhere).
+void MoveRow(unsigned char *s, const unsigned char *protect, unsigned char *d, std::uint32_t n,
+             std::uint32_t opacity) {
+  for (std::uint32_t i = 0; i < n; ++i) {
+    if (protect != nullptr && protect[i] != 0) continue;
+    const std::uint32_t room = 255u - d[i];
+    const std::uint32_t wanted = s[i] * opacity / 255u;
+    const std::uint32_t m = wanted < room ? wanted : room;
+    d[i] = static_cast<unsigned char>(d[i] + m);
+    s[i] = static_cast<unsigned char>(s[i] - m);
+  }
+}
+
+// d toward k = palette[s], weighted by k's alpha byte.
+template <Form form>
+void RampRow(const unsigned char *s, unsigned int *d, std::uint32_t n, const unsigned int *palette,
+             std::uint32_t opacity) {
+  for (std::uint32_t i = 0; i < n; ++i) {
+    const std::uint32_t k = palette[s[i]];
+    d[i] = frame::blend::Pixel<form>(d[i], k, frame::blend::Weight<form>(k >> 24, opacity));
+  }
+}
+
+// The luminance of a TRC pixel: (77 red + 150 green + 29 blue + 128) >> 8.
+// The weights sum to 256, so white gives 255 and black 0.
+std::uint32_t Luminance(std::uint32_t p) {
+  const std::uint32_t blue = p & 0xFFu, green = (p >> 8) & 0xFFu, red = (p >> 16) & 0xFFu;
+  return (77u * red + 150u * green + 29u * blue + 128u) >> 8;
+}
+
+// d toward t = tone[y] (tone null: t = y), weighted by the source's alpha
+// byte.
+template <Form form>
+void LumaRow(const unsigned int *s, unsigned char *d, std::uint32_t n, const unsigned char *tone,
+             std::uint32_t opacity) {
+  for (std::uint32_t i = 0; i < n; ++i) {
+    const std::uint32_t y = Luminance(s[i]);
+    const std::int32_t t = tone != nullptr ? tone[y] : static_cast<std::int32_t>(y);
+    const std::uint32_t w = frame::blend::Weight<form>(s[i] >> 24, opacity);
+    d[i] = static_cast<unsigned char>(frame::blend::Channel<form>(d[i], t, w));
+  }
+}
+
+// The target of darken (min) and lighten (max) for one channel value.
+template <bool lighter, class V>
+V Extreme(V s, V d) {
+  return lighter ? (s > d ? s : d) : (s < d ? s : d);
+}
+
+// Grey pixels (bytes or whole 16-bit words): d toward the extreme of s and d.
+template <Form form, bool lighter, class P>
+void ExtremeGreyRow(const P *s, const unsigned char *alpha, P *d, std::uint32_t n,
+                    std::uint32_t opacity) {
+  for (std::uint32_t i = 0; i < n; ++i) {
+    const std::int32_t t = Extreme<lighter>(s[i], d[i]);
+    d[i] =
+        static_cast<P>(frame::blend::Channel<form>(d[i], t, CoverWeight<form>(alpha, i, opacity)));
+  }
+}
+
+// The extreme of blue, green and red of two TRC pixels; alpha byte 0.
+template <bool lighter>
+std::uint32_t ExtremePixel(std::uint32_t s, std::uint32_t d) {
+  std::uint32_t t = 0;
+  for (int shift = 0; shift <= 16; shift += 8) {
+    t |= Extreme<lighter>((s >> shift) & 0xFFu, (d >> shift) & 0xFFu) << shift;
+  }
+  return t;
+}
+
+// TRC pixels: blue, green and red of d toward their extremes; d keeps its
+// alpha byte and the source's plays no part.
+template <Form form, bool lighter>
+void ExtremeTrcRow(const unsigned int *s, const unsigned char *alpha, unsigned int *d,
+                   std::uint32_t n, std::uint32_t opacity) {
+  for (std::uint32_t i = 0; i < n; ++i) {
+    d[i] = frame::blend::Pixel<form>(d[i], ExtremePixel<lighter>(s[i], d[i]),
+                                     CoverWeight<form>(alpha, i, opacity));
+  }
+}
+
+// What the recolouring moves pixels from and to.
+struct Recolour {
+  std::uint32_t from;
+  std::uint32_t to;
+  std::int32_t tolerance;
+  std::uint32_t opacity;
+};
+
+// The recoloured target of pixel p: each channel's offset e from the from
+// colour carried over to the to colour, clamped to 0..255. False when some
+// |e| exceeds the tolerance (the pixel is left alone).
+bool RecolourTarget(std::uint32_t p, const Recolour &r, std::uint32_t *target) {
+  std::uint32_t t = 0;
+  for (int shift = 0; shift <= 16; shift += 8) {
+    const std::int32_t e = static_cast<std::int32_t>((p >> shift) & 0xFFu) -
+                           static_cast<std::int32_t>((r.from >> shift) & 0xFFu);
+    if (e > r.tolerance || -e > r.tolerance) return false;
+    std::int32_t v = static_cast<std::int32_t>((r.to >> shift) & 0xFFu) + e;
+    v = v < 0 ? 0 : v > 255 ? 255 : v;
+    t |= static_cast<std::uint32_t>(v) << shift;
+  }
+  *target = t;
+  return true;
+}
+
+template <Form form>
+void RecolourRow(unsigned int *b, const unsigned char *alpha, std::uint32_t n, const Recolour &r) {
+  for (std::uint32_t i = 0; i < n; ++i) {
+    std::uint32_t t;
+    if (RecolourTarget(b[i], r, &t)) {
+      b[i] = frame::blend::Pixel<form>(b[i], t, CoverWeight<form>(alpha, i, r.opacity));
+    }
+  }
+}
+
+// ---- Regions -------------------------------------------------------------------
+
+// A table the member cannot do without (tableName null: none).
+struct RequiredTable {
+  const void *table;
+  const char *tableName;
+};
+
+// Clips a two-buffer region, reports null source or destination pointers (and
+// a null required table) in the checked build, and calls row(srcRow, dstRow,
+// columns) for each row.
+template <class Src, class Dst, class RowFn>
+void TwoBufferRows(Src *src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcLeft,
+                   unsigned int srcTop, Dst *dst, unsigned int dstWidth, unsigned int dstHeight,
+                   unsigned int dstLeft, unsigned int dstTop, unsigned int regionWidth,
+                   unsigned int regionHeight, const char *function, RowFn &&row,
+                   RequiredTable required = {nullptr, nullptr}) {
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
+  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
+  ExpectPointer(function, "src", src, e);
+  ExpectPointer(function, "dst", dst, e);
+  if (required.tableName != nullptr) ExpectPointer(function, required.tableName, required.table, e);
+  frame::ForEachRowPair(s, d, e, row);
+}
+
+// The darken and lighten members: the alpha buffer (may be null) shares the
+// source's geometry; row(srcRow, alphaRow or null, dstRow, columns).
+template <class P, class RowFn>
+void WithAlphaRows(P *src, unsigned char *alpha, unsigned int srcWidth, unsigned int srcHeight,
+                   unsigned int srcLeft, unsigned int srcTop, P *dst, unsigned int dstWidth,
+                   unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                   unsigned int regionWidth, unsigned int regionHeight, const char *function,
+                   RowFn &&row) {
+  const auto a = frame::MakePlane(alpha, srcWidth, srcHeight, srcLeft, srcTop, "src");
+  std::uint32_t j = 0;
+  TwoBufferRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft,
+                dstTop, regionWidth, regionHeight, function,
+                [&](const P *s, P *d, std::uint32_t n) {
+                  row(s, alpha != nullptr ? a.Row(j) : nullptr, d, n);
+                  ++j;
+                });
+}
+
+template <bool lighter, class P>
+void ExtremeGrey(P *src, unsigned char *alpha, unsigned int srcWidth, unsigned int srcHeight,
+                 unsigned int srcLeft, unsigned int srcTop, P *dst, unsigned int dstWidth,
+                 unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+                 unsigned char opacity, unsigned int regionWidth, unsigned int regionHeight,
+                 bool exact, const char *function) {
+  InForm(exact, [&](auto form) {
+    WithAlphaRows(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                  dstLeft, dstTop, regionWidth, regionHeight, function,
+                  [&](const P *s, const unsigned char *a, P *d, std::uint32_t n) {
+                    ExtremeGreyRow<decltype(form)::value, lighter>(s, a, d, n, opacity);
+                  });
+  });
+}
+
+template <bool lighter>
+void ExtremeTrc(unsigned int *src, unsigned char *alpha, unsigned int srcWidth,
+                unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
+                unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
+                unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                unsigned int regionWidth, unsigned int regionHeight, bool exact,
+                const char *function) {
+  InForm(exact, [&](auto form) {
+    WithAlphaRows(
+        src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+        regionWidth, regionHeight, function,
+        [&](const unsigned int *s, const unsigned char *a, unsigned int *d, std::uint32_t n) {
+          ExtremeTrcRow<decltype(form)::value, lighter>(s, a, d, n, opacity);
+        });
+  });
+}
+
+#if OSTREL_CHECKED
+// True when some row of region a shares a byte with some row of region b
+// (both clipped to e). Row j of a covers [x, x + columns) counted from b's
+// first region byte; b's row k covers [k * width, k * width + columns), so
+// the only candidate k is the first with k * width > x - columns.
+bool RegionsShareMemory(const frame::Plane<unsigned char> &a, const frame::Plane<unsigned char> &b,
+                        frame::Extent e) {
+  if (e.Empty()) return false;
+  const auto base = reinterpret_cast<std::uintptr_t>(b.Row(0));
+  const std::int64_t cols = e.columns, width = b.width;
+  for (std::uint32_t j = 0; j < e.rows; ++j) {
+    const auto x = static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(a.Row(j)) - base);
+    const std::int64_t low = x - cols;  // k * width must exceed this
+    const std::int64_t k = low >= 0 ? low / width + 1 : 0;
+    if (k < e.rows && k * width < x + cols) return true;
+  }
+  return false;
+}
+#endif
+
+}  // namespace
+}  // namespace compositing
+}  // namespace ostrel
+
+namespace frame = ostrel::frame;
+namespace compositing = ostrel::compositing;
+
+void TransferToneL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                          unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
+                          unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                          unsigned int dstTop, const unsigned char *tone, unsigned char opacity,
+                          unsigned int regionWidth, unsigned int regionHeight, bool exact) {
+  const char *const function = __func__;  // the lambda's own is operator()
+  compositing::InForm(exact, [&](auto form) {
+    compositing::TwoBufferRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                               dstLeft, dstTop, regionWidth, regionHeight, function,
+                               [&](const unsigned char *s, unsigned char *d, std::uint32_t n) {
+                                 compositing::ToneRow<decltype(form)::value>(s, d, n, tone,
+                                                                             opacity);
+                               });
+  });
+}
+
+void MoveToneL08ToL08Prot(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                          unsigned int srcLeft, unsigned int srcTop, unsigned char *protect,
+                          unsigned int protectWidth, unsigned int protectHeight,
+                          unsigned int protectLeft, unsigned int protectTop, unsigned char *dst,
+                          unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                          unsigned int dstTop, unsigned char opacity, unsigned int regionWidth,
+                          unsigned int regionHeight) {
+  const auto s = frame::MakePlane(src, srcWidth, srcHeight, srcLeft, srcTop, "src");
+  const auto p =
+      frame::MakePlane(protect, protectWidth, protectHeight, protectLeft, protectTop, "protect");
+  const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
+  const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, __func__);
+  compositing::ExpectPointer(__func__, "src", src, e);
+  compositing::ExpectPointer(__func__, "dst", dst, e);
+#if OSTREL_CHECKED
+  // protectHeight is not read: only the width is held to the region.
+  OSTREL_EXPECT(
+      __func__, "protectLeft", protectLeft,
+      protect == nullptr || e.Empty() || std::uint64_t{protectLeft} + e.columns <= protectWidth,
+      "at most protectWidth - the region's clipped width");
+  OSTREL_EXPECT(__func__, "dst", static_cast<const void *>(dst),
+                !compositing::RegionsShareMemory(s, d, e),
+                "a region that shares no memory with src's");
+#endif
+  for (std::uint32_t j = 0; j < e.rows; ++j) {
+    compositing::MoveRow(s.Row(j), protect != nullptr ? p.Row(j) : nullptr, d.Row(j), e.columns,
+                         opacity);
+  }
+}
+
+void TransferToneL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned int srcHeight,
+                          unsigned int srcLeft, unsigned int srcTop, unsigned int *dst,
+                          unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                          unsigned int dstTop, const unsigned int *palette, unsigned char opacity,
+                          unsigned int regionWidth, unsigned int regionHeight, bool exact) {
+  const char *const function = __func__;  // the lambda's own is operator()
+  compositing::InForm(exact, [&](auto form) {
+    compositing::TwoBufferRows(
+        src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+        regionWidth, regionHeight, function,
+        [&](const unsigned char *s, unsigned int *d, std::uint32_t n) {
+          compositing::RampRow<decltype(form)::value>(s, d, n, palette, opacity);
+        },
+        compositing::RequiredTable{palette, "palette"});
+  });
+}
+
+void TransferToneTRCToL08(unsigned int *src, unsigned int srcWidth, unsigned int srcHeight,
+                          unsigned int srcLeft, unsigned int srcTop, unsigned char *dst,
+                          unsigned int dstWidth, unsigned int dstHeight, unsigned int dstLeft,
+                          unsigned int dstTop, const unsigned char *tone, unsigned char opacity,
+                          unsigned int regionWidth, unsigned int regionHeight, bool exact) {
+  const char *const function = __func__;  // the lambda's own is operator()
+  compositing::InForm(exact, [&](auto form) {
+    compositing::TwoBufferRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                               dstLeft, dstTop, regionWidth, regionHeight, function,
+                               [&](const unsigned int *s, unsigned char *d, std::uint32_t n) {
+                                 compositing::LumaRow<decltype(form)::value>(s, d, n, tone,
+                                                                             opacity);
+                               });
+  });
+}
+
+void DarkerL08ToL08WithAlpha(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
+                             unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
+                             unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
+                             unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                             unsigned int regionWidth, unsigned int regionHeight, bool exact) {
+  compositing::ExtremeGrey<false>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                                  dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
+                                  exact, __func__);
+}
+
+void LighterL08ToL08WithAlpha(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
+                              unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
+                              unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
+                              unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                              unsigned int regionWidth, unsigned int regionHeight, bool exact) {
+  compositing::ExtremeGrey<true>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                                 dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
+                                 exact, __func__);
+}
+
+// The 12-bit members run the exact form whatever `exact` says.
+void DarkerL12ToL12WithAlpha(unsigned short *src, unsigned char *alpha, unsigned int srcWidth,
+                             unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
+                             unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
+                             unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                             unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
+  compositing::ExtremeGrey<false>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                                  dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
+                                  true, __func__);
+}
+
+void LighterL12ToL12WithAlpha(unsigned short *src, unsigned char *alpha, unsigned int srcWidth,
+                              unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
+                              unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
+                              unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                              unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
+  compositing::ExtremeGrey<true>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                                 dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
+                                 true, __func__);
+}
+
+void DarkerTRCToTRCWithAlpha(unsigned int *src, unsigned char *alpha, unsigned int srcWidth,
+                             unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
+                             unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
+                             unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                             unsigned int regionWidth, unsigned int regionHeight, bool exact) {
+  compositing::ExtremeTrc<false>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                                 dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
+                                 exact, __func__);
+}
+
+void LighterTRCToTRCWithAlpha(unsigned int *src, unsigned char *alpha, unsigned int srcWidth,
+                              unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
+                              unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
+                              unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                              unsigned int regionWidth, unsigned int regionHeight, bool exact) {
+  compositing::ExtremeTrc<true>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                                dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
+                                exact, __func__);
+}
+
+void ChangeColorOfTRCWithAlpha(unsigned int *buffer, unsigned char *alpha, unsigned int width,
+                               unsigned int height, unsigned int left, unsigned int top,
+                               unsigned int fromColour, unsigned int toColour,
+                               unsigned char tolerance, unsigned char opacity,
+                               unsigned int regionWidth, unsigned int regionHeight, bool exact) {
+  const auto b = frame::MakePlane(buffer, width, height, left, top, "");
+  const auto a = frame::MakePlane(alpha, width, height, left, top, "");
+  const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
+  compositing::ExpectPointer(__func__, "buffer", buffer, e);
+  const compositing::Recolour r{fromColour, toColour, tolerance, opacity};
+  compositing::InForm(exact, [&](auto form) {
+    for (std::uint32_t j = 0; j < e.rows; ++j) {
+      compositing::RecolourRow<decltype(form)::value>(
+          b.Row(j), alpha != nullptr ? a.Row(j) : nullptr, e.columns, r);
+    }
+  });
+}
