@@ -19,13 +19,6 @@ using frame::blend::ExactChannel;
 using frame::blend::ExactPixel;
 using frame::blend::ExactWeight;
 
-// True when the n elements from a and the m bytes from b share memory.
-template <class A, class B>
-bool Overlap(const A *a, std::size_t n, const B *b, std::size_t m) {
-  const auto a0 = reinterpret_cast<std::uintptr_t>(a), b0 = reinterpret_cast<std::uintptr_t>(b);
-  return a0 < b0 + m * sizeof(B) && b0 < a0 + n * sizeof(A);
-}
-
 // Visits the clipped region in the order of mode and sets each destination
 // pixel to pixel(d, s, alpha byte). rowKernel, when given, may take a whole
 // row instead: it runs only where the destination row shares no memory with
@@ -59,8 +52,8 @@ void MotionCopy(P *src, unsigned int srcWidth, unsigned int srcHeight, unsigned 
     const unsigned char *cover = a.Row(j);
     P *out = d.Row(j);
     if constexpr (!std::is_same<std::decay_t<RowFn>, std::nullptr_t>::value) {
-      if ((out == in || !Overlap(out, e.columns, in, e.columns)) &&
-          !Overlap(out, e.columns, cover, e.columns)) {
+      if ((out == in || !frame::SharesMemory(out, e.columns, in, e.columns)) &&
+          !frame::SharesMemory(out, e.columns, cover, e.columns)) {
         rowKernel(out, in, cover, e.columns);
         continue;
       }

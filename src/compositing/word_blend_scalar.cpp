@@ -4,6 +4,7 @@
 
 #include "compositing/word_blend_kernels.h"
 #include "frame/blend.h"
+#include "frame/region.h"
 
 namespace ostrel {
 namespace compositing {
@@ -65,21 +66,14 @@ constexpr WordBlendKernels MakeScalar() {
   return t;
 }
 
-// True when the n elements from a and the m elements from b share memory.
-template <class A, class B>
-bool Overlap(const A *a, std::size_t n, const B *b, std::size_t m) {
-  const auto a0 = reinterpret_cast<std::uintptr_t>(a), b0 = reinterpret_cast<std::uintptr_t>(b);
-  return a0 < b0 + m * sizeof(B) && b0 < a0 + n * sizeof(A);
-}
-
 }  // namespace
 
 const WordBlendKernels WordBlendKernelsScalar = MakeScalar();
 
 const WordBlendKernels &WordKernelsForRow(const WordRow &row) {
   const std::size_t written = row.n + (row.nextWord ? 1 : 0);
-  if ((row.src != nullptr && Overlap(row.dst, written, row.src, row.n)) ||
-      (row.alpha != nullptr && Overlap(row.dst, written, row.alpha, row.n))) {
+  if ((row.src != nullptr && frame::SharesMemory(row.dst, written, row.src, row.n)) ||
+      (row.alpha != nullptr && frame::SharesMemory(row.dst, written, row.alpha, row.n))) {
     return WordBlendKernelsScalar;
   }
   return ActiveWordBlendKernels();

@@ -64,6 +64,15 @@ struct Extent {
   bool Empty() const { return rows == 0 || columns == 0; }
 };
 
+// True when the n elements from a and the m elements from b share memory
+// (the row kernels that must not see their inputs change under their stores
+// ask this of each row).
+template <class A, class B>
+bool SharesMemory(const A *a, std::size_t n, const B *b, std::size_t m) {
+  const auto a0 = reinterpret_cast<std::uintptr_t>(a), b0 = reinterpret_cast<std::uintptr_t>(b);
+  return a0 < b0 + m * sizeof(B) && b0 < a0 + n * sizeof(A);
+}
+
 inline std::uint32_t MinU32(std::uint32_t a, std::uint32_t b) { return a < b ? a : b; }
 
 // The part of `size` units from `start` that lies before `end`: min(end,
