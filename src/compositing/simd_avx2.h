@@ -93,6 +93,13 @@ struct Avx2 {
   static Reg PackUs16(Reg a, Reg b) { return _mm256_packus_epi16(a, b); }
   static Reg CmpEq16(Reg a, Reg b) { return _mm256_cmpeq_epi16(a, b); }
 
+  // Darken and lighten: unsigned minimum and maximum of bytes and of 16-bit
+  // words.
+  static Reg MinU8(Reg a, Reg b) { return _mm256_min_epu8(a, b); }
+  static Reg MaxU8(Reg a, Reg b) { return _mm256_max_epu8(a, b); }
+  static Reg MinU16(Reg a, Reg b) { return _mm256_min_epu16(a, b); }
+  static Reg MaxU16(Reg a, Reg b) { return _mm256_max_epu16(a, b); }
+
   // Words (12-bit grey kernels).
   // Whole registers of 16-bit words (kWords of them), and kWords coverage
   // bytes widened to 16-bit lanes.

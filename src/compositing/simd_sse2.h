@@ -100,6 +100,14 @@ struct Sse2 {
   static Reg PackUs16(Reg a, Reg b) { return _mm_packus_epi16(a, b); }
   static Reg CmpEq16(Reg a, Reg b) { return _mm_cmpeq_epi16(a, b); }
 
+  // Darken and lighten: unsigned minimum and maximum of bytes and of 16-bit
+  // words (SSE2 has the byte forms only; a - sat(a - b) and b + sat(a - b)
+  // give the word forms).
+  static Reg MinU8(Reg a, Reg b) { return _mm_min_epu8(a, b); }
+  static Reg MaxU8(Reg a, Reg b) { return _mm_max_epu8(a, b); }
+  static Reg MinU16(Reg a, Reg b) { return _mm_sub_epi16(a, _mm_subs_epu16(a, b)); }
+  static Reg MaxU16(Reg a, Reg b) { return _mm_add_epi16(b, _mm_subs_epu16(a, b)); }
+
   // Words (12-bit grey kernels).
   // Whole registers of 16-bit words (kWords of them), and kWords coverage
   // bytes widened to 16-bit lanes.
