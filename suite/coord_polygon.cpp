@@ -30,9 +30,7 @@ class CoordPolygon final : public ICoordPolygon {
     try {
       points_.reserve(points_.size() + 1);
       if (!open_) starts_.push_back(points_.size());
-    } catch (const std::bad_alloc &) {
-      return kVornelOutOfMemory;
-    }
+    } catch (const std::bad_alloc &) { return kVornelOutOfMemory; }
     open_ = true;
     points_.push_back(Point{x, y});  // capacity reserved above: cannot throw
     return kVornelOk;

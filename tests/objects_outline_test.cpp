@@ -66,8 +66,8 @@ struct Mask {
 Traced Trace(Mask &m, unsigned left = 0, unsigned top = 0, unsigned rw = ~0u, unsigned rh = ~0u) {
   PolygonHolder polygon;
   polygon.p->AddXY(-1, -1);  // emptied first
-  const int result = GetContourPolygonFromBuffer2(m.pixels.data(), m.width, m.height, left, top,
-                                                  rw, rh, polygon.p);
+  const int result = GetContourPolygonFromBuffer2(m.pixels.data(), m.width, m.height, left, top, rw,
+                                                  rh, polygon.p);
   return Traced{result, Figures(polygon.p)};
 }
 
@@ -88,12 +88,16 @@ TEST(ObjectsOutline, WorkedShapes) {
     std::vector<Figure> figures;
   };
   const Case cases[] = {
-      {"one pixel", {"....", "....", "....", "....", "....", "...#"}, {{{3, 5}, {4, 5}, {4, 6}, {3, 6}}}},
+      {"one pixel",
+       {"....", "....", "....", "....", "....", "...#"},
+       {{{3, 5}, {4, 5}, {4, 6}, {3, 6}}}},
       {"rectangle at the border", {"###.", "###."}, {{{0, 0}, {3, 0}, {3, 2}, {0, 2}}}},
       {"L", {"#..", "#..", "###"}, {{{0, 0}, {1, 0}, {1, 2}, {3, 2}, {3, 3}, {0, 3}}}},
-      {"ring", {"###", "#.#", "###"},
+      {"ring",
+       {"###", "#.#", "###"},
        {{{0, 0}, {3, 0}, {3, 3}, {0, 3}}, {{1, 1}, {1, 2}, {2, 2}, {2, 1}}}},
-      {"corner touch", {"#.", ".#"},
+      {"corner touch",
+       {"#.", ".#"},
        {{{0, 0}, {1, 0}, {1, 1}, {2, 1}, {2, 2}, {1, 2}, {1, 1}, {0, 1}}}},
       {"checkerboard",
        {"#.#", ".#.", "#.#"},
@@ -107,7 +111,8 @@ TEST(ObjectsOutline, WorkedShapes) {
         {{1, 1}, {1, 2}, {2, 2}, {2, 1}},
         {{2, 2}, {2, 3}, {3, 3}, {3, 2}}}},
       // An object inside a hole: outer, hole, inner object, by start vertex.
-      {"island", {"#####", "#...#", "#.#.#", "#...#", "#####"},
+      {"island",
+       {"#####", "#...#", "#.#.#", "#...#", "#####"},
        {{{0, 0}, {5, 0}, {5, 5}, {0, 5}},
         {{1, 1}, {1, 4}, {4, 4}, {4, 1}},
         {{2, 2}, {3, 2}, {3, 3}, {2, 3}}}},
@@ -132,7 +137,8 @@ TEST(ObjectsOutline, RegionsClipAndOffset) {
   EXPECT_EQ(t.figures, (std::vector<Figure>{{{4, 2}, {6, 2}, {6, 4}, {4, 4}}}));
   // Empty regions (and a null mask) give no figures, but still empty the
   // polygon.
-  for (const auto &r : std::vector<std::vector<unsigned>>{{6, 0, 1, 1}, {0, 4, 1, 1}, {0, 0, 0, 3}}) {
+  for (const auto &r :
+       std::vector<std::vector<unsigned>>{{6, 0, 1, 1}, {0, 4, 1, 1}, {0, 0, 0, 3}}) {
     t = Trace(m, r[0], r[1], r[2], r[3]);
     EXPECT_EQ(t.result, 0);
     EXPECT_TRUE(t.figures.empty());
@@ -187,9 +193,11 @@ TEST(ObjectsOutline, RandomMasksHoldTheInvariants) {
   for (int round = 0; round < 400; ++round) {
     Mask m(1 + rng() % 24, 1 + rng() % 24);
     const unsigned density = rng() % 100;
-    for (auto &p : m.pixels) p = rng() % 100 < density ? static_cast<unsigned char>(1 + rng() % 255) : 0;
+    for (auto &p : m.pixels)
+      p = rng() % 100 < density ? static_cast<unsigned char>(1 + rng() % 255) : 0;
     const Traced t = Trace(m);
-    const auto where = ::testing::Message() << "round " << round << ", " << m.width << "x" << m.height;
+    const auto where = ::testing::Message()
+                       << "round " << round << ", " << m.width << "x" << m.height;
     ASSERT_EQ(t.result, static_cast<int>(t.figures.size())) << where;
 
     long long pixels = 0, boundaryEdges = 0, walkedEdges = 0, area = 0;
@@ -306,9 +314,7 @@ TEST(ObjectsOutline, FailuresAreRaisedAndTemporariesGoBack) {
     try {
       GetContourPolygonFromBuffer2(m.pixels.data(), 3, 3, 0, 0, 3, 3, &polygon);
       ADD_FAILURE() << "no exception after " << accepted << " vertices";
-    } catch (const CVornelException &e) {
-      EXPECT_EQ(e.GetStatus(), FailingPolygon::kRefused);
-    }
+    } catch (const CVornelException &e) { EXPECT_EQ(e.GetStatus(), FailingPolygon::kRefused); }
     EXPECT_EQ(manager.out, 0) << accepted;
     EXPECT_EQ(manager.refs, refsHeld) << accepted;
   }
@@ -319,9 +325,7 @@ TEST(ObjectsOutline, FailuresAreRaisedAndTemporariesGoBack) {
   try {
     GetContourPolygonFromBuffer2(m.pixels.data(), 3, 3, 0, 0, 3, 3, &enough);
     ADD_FAILURE() << "no exception from a refusing memory manager";
-  } catch (const CVornelException &e) {
-    EXPECT_EQ(e.GetStatus(), kVornelOutOfMemory);
-  }
+  } catch (const CVornelException &e) { EXPECT_EQ(e.GetStatus(), kVornelOutOfMemory); }
   EXPECT_EQ(manager.refs, refsHeld);
   IMemMgr *mine = DllSetMemMgr(previous);
   if (previous != nullptr) previous->Release();

@@ -25,8 +25,8 @@ namespace objects {
 namespace {
 
 // The flags of a grid cell (one region pixel, or the frame).
-constexpr std::uint8_t kObject = 1;   // a nonzero mask pixel
-constexpr std::uint8_t kWalked = 2;   // the cell's top edge belongs to a traced figure
+constexpr std::uint8_t kObject = 1;  // a nonzero mask pixel
+constexpr std::uint8_t kWalked = 2;  // the cell's top edge belongs to a traced figure
 
 // Directions of travel, in turning order: a right turn (y pointing down) is
 // +1, a left turn -1 (mod 4).
@@ -111,8 +111,8 @@ void Check(VornelStatus status, ICoordPolygon *polygon) {
 // coordinates are (x0, y0), leaving it in direction d0. Vertices go to the
 // polygon in buffer coordinates (offset by left, top) where the direction
 // changes.
-void TraceFigure(Grid &grid, std::size_t v0, std::int64_t x0, std::int64_t y0, int d0,
-                 double left, double top, ICoordPolygon *polygon) {
+void TraceFigure(Grid &grid, std::size_t v0, std::int64_t x0, std::int64_t y0, int d0, double left,
+                 double top, ICoordPolygon *polygon) {
   Check(polygon->AddXY(left + static_cast<double>(x0), top + static_cast<double>(y0)), polygon);
   // Unit moves of the vertex coordinates per direction.
   static const int kDx[4] = {1, 0, -1, 0};
@@ -178,8 +178,8 @@ int GetContourPolygonFromBuffer2(unsigned char *mask, unsigned int width, unsign
   if (polygon == nullptr) return -1;
   const auto m = frame::MakePlane(mask, width, height, left, top, "");
   frame::Extent e = frame::ClipSingle(m, regionWidth, regionHeight, __func__);
-  OSTREL_EXPECT(__func__, "mask", static_cast<const void *>(mask),
-                e.Empty() || mask != nullptr, "not null");
+  OSTREL_EXPECT(__func__, "mask", static_cast<const void *>(mask), e.Empty() || mask != nullptr,
+                "not null");
   if (mask == nullptr) e = frame::Extent{0, 0};
 
   objects::Check(polygon->RemoveAll(), polygon);
