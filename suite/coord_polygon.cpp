@@ -28,7 +28,9 @@ class CoordPolygon final : public ICoordPolygon {
     // Both the vertex and a possible new figure must fit in a long.
     if (points_.size() >= static_cast<std::size_t>(LONG_MAX)) return kVornelFail;
     try {
-      points_.reserve(points_.size() + 1);
+      // Room for the vertex first (growing geometrically), so that the
+      // push_back below cannot fail once a new figure is recorded.
+      if (points_.size() == points_.capacity()) points_.reserve(2 * points_.size() + 16);
       if (!open_) starts_.push_back(points_.size());
     } catch (const std::bad_alloc &) { return kVornelOutOfMemory; }
     open_ = true;
