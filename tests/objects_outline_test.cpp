@@ -13,11 +13,11 @@
 #include "VornelCoordPolygon.h"
 #include "VornelException.h"
 #include "VornelMemMgr.h"
+#include "outline_check.h"
 
 namespace {
 
-using Vertex = std::pair<long, long>;  // x, y
-using Figure = std::vector<Vertex>;
+using outline_check::Figure;
 
 struct Traced {
   int result;
@@ -41,7 +41,8 @@ std::vector<Figure> Figures(ICoordPolygon *polygon) {
     for (long i = first; i < first + n; ++i) {
       double x = 0, y = 0;
       EXPECT_EQ(polygon->GetXY(i, &x, &y), kVornelOk);
-      figures[static_cast<std::size_t>(f)].emplace_back(static_cast<long>(x), static_cast<long>(y));
+      figures[static_cast<std::size_t>(f)].emplace_back(static_cast<long long>(x),
+                                                        static_cast<long long>(y));
     }
   }
   return figures;
@@ -69,16 +70,6 @@ Traced Trace(Mask &m, unsigned left = 0, unsigned top = 0, unsigned rw = ~0u, un
   const int result = GetContourPolygonFromBuffer2(m.pixels.data(), m.width, m.height, left, top, rw,
                                                   rh, polygon.p);
   return Traced{result, Figures(polygon.p)};
-}
-
-// Twice the signed (shoelace) area of a figure.
-long long TwiceArea(const Figure &f) {
-  long long sum = 0;
-  for (std::size_t i = 0; i < f.size(); ++i) {
-    const Vertex &a = f[i], &b = f[(i + 1) % f.size()];
-    sum += static_cast<long long>(a.first) * b.second - static_cast<long long>(b.first) * a.second;
-  }
-  return sum;
 }
 
 TEST(ObjectsOutline, WorkedShapes) {
@@ -150,114 +141,25 @@ TEST(ObjectsOutline, RegionsClipAndOffset) {
   EXPECT_EQ(GetContourPolygonFromBuffer2(m.pixels.data(), 6, 4, 0, 0, 6, 4, nullptr), -1);
 }
 
-// Independent counts of a mask: 8-connected objects and 4-connected
-// background regions that do not reach the border.
-std::pair<int, int> CountComponents(const Mask &m) {
-  std::vector<int> seen(m.pixels.size(), 0);
-  int objects = 0, holes = 0;
-  for (long y = 0; y < static_cast<long>(m.height); ++y) {
-    for (long x = 0; x < static_cast<long>(m.width); ++x) {
-      if (seen[static_cast<std::size_t>(y) * m.width + x]) continue;
-      const bool object = m.At(x, y);
-      bool border = false;
-      std::vector<std::pair<long, long>> stack{{x, y}};
-      seen[static_cast<std::size_t>(y) * m.width + x] = 1;
-      while (!stack.empty()) {
-        const auto [px, py] = stack.back();
-        stack.pop_back();
-        border |= px == 0 || py == 0 || px + 1 == static_cast<long>(m.width) ||
-                  py + 1 == static_cast<long>(m.height);
-        for (long dy = -1; dy <= 1; ++dy) {
-          for (long dx = -1; dx <= 1; ++dx) {
-            if (!object && dx != 0 && dy != 0) continue;  // background: 4 neighbours
-            const long nx = px + dx, ny = py + dy;
-            if (nx < 0 || ny < 0 || nx >= static_cast<long>(m.width) ||
-                ny >= static_cast<long>(m.height))
-              continue;
-            int &s = seen[static_cast<std::size_t>(ny) * m.width + nx];
-            if (s || m.At(nx, ny) != object) continue;
-            s = 1;
-            stack.emplace_back(nx, ny);
-          }
-        }
-      }
-      if (object) ++objects;
-      if (!object && !border) ++holes;
-    }
-  }
-  return {objects, holes};
-}
-
 TEST(ObjectsOutline, RandomMasksHoldTheInvariants) {
   std::mt19937 rng(20261124);
   for (int round = 0; round < 400; ++round) {
     // Mostly small masks; every fourth one wide enough for rows that are
-    // compared many cells at a time.
+    // compared many cells at a time; a region inside the buffer now and then.
     const unsigned wide = round % 4 == 0 ? 160 : 24;
     Mask m(1 + rng() % wide, 1 + rng() % 24);
     const unsigned density = rng() % 100;
     for (auto &p : m.pixels)
       p = rng() % 100 < density ? static_cast<unsigned char>(1 + rng() % 255) : 0;
-    const Traced t = Trace(m);
-    const auto where = ::testing::Message()
-                       << "round " << round << ", " << m.width << "x" << m.height;
-    ASSERT_EQ(t.result, static_cast<int>(t.figures.size())) << where;
-
-    long long pixels = 0, boundaryEdges = 0, walkedEdges = 0, area = 0;
-    for (long y = 0; y < static_cast<long>(m.height); ++y) {
-      for (long x = 0; x < static_cast<long>(m.width); ++x) {
-        if (!m.At(x, y)) continue;
-        ++pixels;
-        boundaryEdges += (y == 0 || !m.At(x, y - 1)) + (x == 0 || !m.At(x - 1, y)) +
-                         (y + 1 == static_cast<long>(m.height) || !m.At(x, y + 1)) +
-                         (x + 1 == static_cast<long>(m.width) || !m.At(x + 1, y));
-      }
-    }
-    int outer = 0, holes = 0;
-    Vertex previousStart{-1, -1};
-    for (const Figure &f : t.figures) {
-      ASSERT_GE(f.size(), 4u) << where;
-      const long long a = TwiceArea(f);
-      ASSERT_NE(a, 0) << where;
-      (a > 0 ? outer : holes) += 1;
-      area += a;
-      // Starts at its topmost, leftmost vertex; figures ordered by starts.
-      for (const Vertex &v : f) {
-        ASSERT_TRUE(v.second > f[0].second || (v.second == f[0].second && v.first >= f[0].first))
-            << where;
-      }
-      const Vertex start{f[0].second, f[0].first};
-      ASSERT_LT(previousStart, start) << where;
-      previousStart = start;
-      for (std::size_t i = 0; i < f.size(); ++i) {
-        const Vertex &p = f[i], &q = f[(i + 1) % f.size()], &r = f[(i + 2) % f.size()];
-        const long dx = (q.first > p.first) - (q.first < p.first);
-        const long dy = (q.second > p.second) - (q.second < p.second);
-        ASSERT_TRUE((dx == 0) != (dy == 0)) << where << ": not along an axis";
-        const long ex = (r.first > q.first) - (r.first < q.first);
-        const long ey = (r.second > q.second) - (r.second < q.second);
-        ASSERT_TRUE(dx * ex + dy * ey == 0) << where << ": collinear or reversed at a vertex";
-        // Each unit edge has an object pixel on its right and background on
-        // its left (y down: the right of (dx, dy) is (-dy, dx)).
-        for (long x = p.first, y = p.second; x != q.first || y != q.second; x += dx, y += dy) {
-          // The pixel on the right of the unit edge from (x, y).
-          const long rx = x + (dx < 0 || dy > 0 ? -1 : 0), ry = y + (dy < 0 || dx < 0 ? -1 : 0);
-          const long lx = x + (dx < 0 || dy < 0 ? -1 : 0), ly = y + (dx > 0 || dy < 0 ? -1 : 0);
-          const auto inside = [&](long px, long py) {
-            return px >= 0 && py >= 0 && px < static_cast<long>(m.width) &&
-                   py < static_cast<long>(m.height) && m.At(px, py);
-          };
-          ASSERT_TRUE(inside(rx, ry)) << where << " at edge from " << x << "," << y;
-          ASSERT_FALSE(inside(lx, ly)) << where << " at edge from " << x << "," << y;
-          ++walkedEdges;
-        }
-      }
-    }
-    EXPECT_EQ(area, 2 * pixels) << where;
-    EXPECT_EQ(walkedEdges, boundaryEdges) << where;  // every boundary edge once
-    const auto counts = CountComponents(m);
-    EXPECT_EQ(outer, counts.first) << where;
-    EXPECT_EQ(holes, counts.second) << where;
+    const bool whole = round % 3 != 0;
+    const unsigned left = whole ? 0 : rng() % m.width, top = whole ? 0 : rng() % m.height;
+    const unsigned columns = whole ? m.width : 1 + rng() % (m.width - left);
+    const unsigned rows = whole ? m.height : 1 + rng() % (m.height - top);
+    const Traced t = Trace(m, left, top, columns, rows);
+    const outline_check::Region region{m.pixels.data(), m.width, left, top, columns, rows};
+    ASSERT_EQ(t.result, static_cast<int>(t.figures.size())) << "round " << round;
+    ASSERT_EQ(outline_check::Check(region, t.figures), "")
+        << "round " << round << ", " << m.width << "x" << m.height;
   }
 }
 
