@@ -1722,6 +1722,59 @@ extern template OSTREL_API double FollowContour<int>(int *buffer, int *start, in
                                                      int objectValue, CPoint *points,
                                                      int *pointCount);
 
+// ---- Outlines as polygons --------------------------------------------------
+
+struct ICoordPolygon;  // VornelCoordPolygon.h
+
+// Traces every boundary between the objects of a mask and its background
+// into polygon, as closed figures along pixel edges: the path a cutter, a
+// plotter or an embroidery program follows around each object and each of
+// its holes.
+//
+// The region is clipped into the width x height buffer as the blends clip
+// their one buffer (left and top at or past the buffer's edge give no
+// pixels, the sizes are cut at its edges); pixels outside the region count
+// as background. Object pixels are the nonzero ones, connected 8-wise (two
+// pixels touching at a corner belong to one object); background pixels
+// connect 4-wise, so a hole is a 4-connected background region that does not
+// reach the region's border.
+//
+//   - polygon is emptied first (RemoveAll). Then each object's outer
+//     boundary and the boundary of each of its holes becomes one figure
+//     (AddXY for each vertex, CloseFigure after the last).
+//   - Vertices are pixel corners in buffer coordinates: the corner (x, y) is
+//     the top-left corner of pixel (x, y), so the single pixel (3, 5) gives
+//     the figure (3, 5), (4, 5), (4, 6), (3, 6).
+//   - The object lies to the right of the direction of travel (y pointing
+//     down): outer figures run clockwise on screen, hole figures
+//     counter-clockwise, and the signed (shoelace) areas of all figures add
+//     up to the number of object pixels in the region.
+//   - A vertex is written only where the direction changes, and the first
+//     vertex is not repeated at the end. Where two object pixels touch only
+//     at a corner, their figure passes through that corner twice; seen from
+//     a hole, the same corner keeps the hole's figure apart from the
+//     background on the other side.
+//   - Each figure starts at its topmost vertex (the leftmost of them): an
+//     outer figure there heads right, a hole figure down. Figures come in
+//     the order of their start vertices, by y and then by x.
+//
+// Returns the number of figures (INT_MAX if more), 0 for an empty region
+// (also when mask is null, which the checked build reports when the region
+// is not empty), or -1 when polygon is null (nothing else is done then). A
+// negative status from a call of polygon, or from the memory manager when
+// the temporaries cannot be had, is raised with MakeException
+// (VornelException.h) and leaves the function as a CVornelException; the
+// figures added up to then stay in polygon.
+//
+// Time is linear in the region's pixels plus the length of the boundaries;
+// the temporaries, one byte per pixel of the region plus a one-pixel frame,
+// come from the suite's memory manager (VornelMemMgr.h) and go back to it
+// on every path.
+OSTREL_API int GetContourPolygonFromBuffer2(unsigned char *mask, unsigned int width,
+                                            unsigned int height, unsigned int left,
+                                            unsigned int top, unsigned int regionWidth,
+                                            unsigned int regionHeight, ICoordPolygon *polygon);
+
 // ---- Multi-object feature extraction ---------------------------------------
 
 // What MultiObjectFeatureExtract measures, as a combination of bits:

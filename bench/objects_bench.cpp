@@ -33,6 +33,16 @@
 //                              its time, information on the other kinds;
 //                              also with the orientation on a 512x512
 //                              noise mask (information)
+//   GetContourPolygonFromBuffer2  every object and hole boundary as polygon
+//                              figures, into the suite's stand-in polygon;
+//                              peer: cv::findContours, RETR_CCOMP (outer
+//                              contours and holes), CHAIN_APPROX_SIMPLE;
+//                              target no slower on blobs and text, within
+//                              1.5x on noise. Both count the same boundaries
+//                              (8-connected objects, 4-connected holes); ours
+//                              runs along pixel edges and OpenCV through
+//                              pixel centres, so the vertex counts differ:
+//                              both are printed when the pair is checked
 //
 // The two sides number objects differently, so the checks hold each side to
 // a plain breadth-first labelling of the mask: the labels must make the same
@@ -41,6 +51,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <opencv2/core.hpp>
@@ -52,6 +64,7 @@
 #include <vector>
 
 #include "Ostrel.h"
+#include "VornelCoordPolygon.h"
 #include "ratio.h"
 
 namespace {
@@ -69,6 +82,8 @@ constexpr double kFillOutsideTarget = 0.5;  // seeded outside: within 2x of insi
 // Feature extraction on noise: at most 1.5x the time of the peer, which
 // computes less (no perimeter, no histogram); information on the other kinds.
 constexpr double kFeatureNoiseTarget = 1 / 1.5;
+constexpr double kOutlineTarget = 1.0;           // outlines on blobs and text
+constexpr double kOutlineNoiseTarget = 1 / 1.5;  // on noise: within 1.5x
 
 using Mask = std::vector<unsigned char>;
 
@@ -397,6 +412,106 @@ void AddOrientation() {
   ostrel_bench::AddPair(std::move(p));
 }
 
+// The boundaries of a mask: 8-connected objects plus the 4-connected
+// background regions that reach no border (the mask's border is clear).
+std::int64_t BoundaryCount(const Mask &m) {
+  std::vector<char> seen(kPixels, 0);
+  std::vector<int> queue;
+  std::int64_t count = 0;
+  for (int i = 0; i < static_cast<int>(kPixels); ++i) {
+    if (seen[i]) continue;
+    const bool object = m[i] != 0;
+    bool border = false;
+    queue.assign(1, i);
+    seen[i] = 1;
+    for (std::size_t q = 0; q < queue.size(); ++q) {
+      const int p = queue[q], x = p % kSize, y = p / kSize;
+      if (x == 0 || y == 0 || x == kSize - 1 || y == kSize - 1) {
+        border = true;
+        if (object) continue;  // objects never touch it; background stops at it
+      }
+      for (int dy = -1; dy <= 1; ++dy)
+        for (int dx = -1; dx <= 1; ++dx) {
+          if ((dx == 0 && dy == 0) || (!object && dx != 0 && dy != 0)) continue;
+          const int nx = x + dx, ny = y + dy, n = ny * kSize + nx;
+          if (nx < 0 || ny < 0 || nx >= kSize || ny >= kSize || seen[n] || (m[n] != 0) != object)
+            continue;
+          seen[n] = 1;
+          queue.push_back(n);
+        }
+    }
+    count += object || !border;
+  }
+  return count;
+}
+
+struct Outlines {
+  ICoordPolygon *polygon = nullptr;
+  int figures = 0;
+  std::vector<std::vector<cv::Point>> contours;
+  std::vector<cv::Vec4i> hierarchy;
+  std::int64_t boundaries = 0;  // the independent count
+  std::int64_t objectPixels = 0;
+};
+
+// Twice the signed area of all the polygon's figures.
+long long TwiceArea(ICoordPolygon *polygon) {
+  long figures = 0;
+  polygon->GetFigureCount(&figures);
+  long long sum = 0;
+  for (long f = 0; f < figures; ++f) {
+    long first = 0, n = 0;
+    polygon->GetFigure(f, &first, &n);
+    for (long i = 0; i < n; ++i) {
+      double x0, y0, x1, y1;
+      polygon->GetXY(first + i, &x0, &y0);
+      polygon->GetXY(first + (i + 1) % n, &x1, &y1);
+      sum += static_cast<long long>(x0 * y1 - x1 * y0);
+    }
+  }
+  return sum;
+}
+
+void AddOutlines(const std::shared_ptr<Scene> &s) {
+  auto o = std::make_shared<Outlines>();
+  if (DllGetCoordPolygonSetRes("bench", __LINE__, &o->polygon) < 0) std::abort();
+  o->boundaries = BoundaryCount(s->mask);
+  for (const unsigned char v : s->mask) o->objectPixels += v != 0;
+  Pair p;
+  p.label = "GetContourPolygonFromBuffer2/" + s->name;
+  p.peerName = "cv::findContours";
+  p.pixels = static_cast<std::int64_t>(kPixels);
+  p.target = s->name == "noise" ? kOutlineNoiseTarget : kOutlineTarget;
+  p.ours = [s, o] {
+    o->figures =
+        GetContourPolygonFromBuffer2(s->mask.data(), kSize, kSize, 0, 0, kSize, kSize, o->polygon);
+  };
+  p.peer = [s, o] {
+    const cv::Mat m(kSize, kSize, CV_8U, s->mask.data());
+    cv::findContours(m, o->contours, o->hierarchy, cv::RETR_CCOMP, cv::CHAIN_APPROX_SIMPLE);
+  };
+  p.reset = [] {};
+  // Each side's check also prints the work it did, for the reader.
+  p.verify = [s, o](bool ours) -> std::string {
+    if (!ours) {
+      std::size_t points = 0;
+      for (const auto &c : o->contours) points += c.size();
+      std::printf("outlines of %s: cv::findContours %zu contours, %zu points\n", s->name.c_str(),
+                  o->contours.size(), points);
+      return static_cast<std::int64_t>(o->contours.size()) == o->boundaries
+                 ? ""
+                 : "OpenCV: not one contour per boundary";
+    }
+    long vertices = 0;
+    o->polygon->GetPointCount(&vertices);
+    std::printf("outlines of %s: ours %d figures, %ld vertices\n", s->name.c_str(), o->figures,
+                vertices);
+    if (o->figures != o->boundaries) return "ours: not one figure per boundary";
+    return TwiceArea(o->polygon) == 2 * o->objectPixels ? "" : "ours: areas do not add up";
+  };
+  ostrel_bench::AddPair(std::move(p));
+}
+
 const bool kRegistered = [] {
   AddFillOutside();
   const struct {
@@ -413,6 +528,7 @@ const bool kRegistered = [] {
     AddFill(s);
     if (s->name == "blobs") AddContour(s);
     AddFeatures(s);
+    AddOutlines(s);
   }
   AddOrientation();
   return true;

@@ -1,6 +1,9 @@
 // ostrel-objects: labels the objects of a mask, measures them, and writes a
-// picture with their outlines and a CSV of their features.
+// picture with their outlines, a CSV of their features and the outlines as
+// an SVG path (the vector file a cutter or an embroidery program takes).
 #include <Ostrel.h>
+#include <VornelCoordPolygon.h>
+#include <VornelException.h>
 
 #include <chrono>
 #include <climits>
@@ -25,7 +28,8 @@ const char kUsage[] =
     "  --frame N       width of the soft frame round the objects, 1..32 (default 6)\n"
     "  --output FILE   picture to write (default out/objects.png)\n"
     "  --csv FILE      features to write (default out/objects.csv)\n"
-    "Missing output folders are created. Both files are written, or neither.\n";
+    "  --svg FILE      outlines to write (default out/objects.svg)\n"
+    "Missing output folders are created. All three files are written, or none.\n";
 
 int Fail(const std::string &message) {
   std::fprintf(stderr, "ostrel-objects: %s\n", message.c_str());
@@ -54,10 +58,61 @@ Picture SyntheticMask() {
   return m;
 }
 
+// The outlines of the mask's objects and holes as one SVG path in pixel
+// units, filled by the even-odd rule so that holes stay open. Every figure
+// runs along pixel edges, so each vertex after the first moves along one
+// axis: H or V.
+bool OutlinesSvg(Picture &mask, std::string *svg, std::string *error) {
+  ICoordPolygon *polygon = nullptr;
+  if (DllGetCoordPolygonSetRes("ostrel-objects", __LINE__, &polygon) < 0) {
+    *error = "cannot create a polygon";
+    return false;
+  }
+  char text[160];
+  std::snprintf(text, sizeof text,
+                "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%u\" height=\"%u\" "
+                "viewBox=\"0 0 %u %u\">\n",
+                mask.width, mask.height, mask.width, mask.height);
+  *svg = text;
+  *svg +=
+      "<rect width=\"100%\" height=\"100%\" fill=\"#1c1f2a\"/>\n"
+      "<path fill=\"#3fb8e8\" fill-rule=\"evenodd\" stroke=\"#ffffff\" "
+      "stroke-width=\"0.5\" d=\"";
+  try {
+    GetContourPolygonFromBuffer2(mask.l08.data(), mask.width, mask.height, 0, 0, mask.width,
+                                 mask.height, polygon);
+    long figures = 0;
+    MakeException(polygon->GetFigureCount(&figures), polygon);
+    for (long f = 0; f < figures; ++f) {
+      long first = 0, count = 0;
+      MakeException(polygon->GetFigure(f, &first, &count), polygon);
+      double py = 0;
+      for (long i = 0; i < count; ++i) {
+        double x = 0, y = 0;
+        MakeException(polygon->GetXY(first + i, &x, &y), polygon);
+        if (i == 0) std::snprintf(text, sizeof text, "M%.0f %.0f", x, y);
+        else if (y == py) std::snprintf(text, sizeof text, "H%.0f", x);
+        else std::snprintf(text, sizeof text, "V%.0f", y);
+        *svg += text;
+        py = y;
+      }
+      *svg += "Z";
+    }
+  } catch (const CVornelException &e) {
+    polygon->Release();
+    *error = std::string("cannot trace the outlines: ") + e.what();
+    return false;
+  }
+  polygon->Release();
+  *svg += "\"/>\n</svg>\n";
+  return true;
+}
+
 }  // namespace
 
 int main(int argc, char **argv) {
-  std::string maskPath, output = "out/objects.png", csvPath = "out/objects.csv";
+  std::string maskPath, output = "out/objects.png", csvPath = "out/objects.csv",
+                        svgPath = "out/objects.svg";
   long frameWidth = 6;
   for (int i = 1; i < argc; ++i) {
     const std::string arg = argv[i];
@@ -70,6 +125,7 @@ int main(int argc, char **argv) {
     if (arg == "--mask") maskPath = value;
     else if (arg == "--output") output = value;
     else if (arg == "--csv") csvPath = value;
+    else if (arg == "--svg") svgPath = value;
     else if (arg == "--frame") {
       if (!ParseInt(value, &frameWidth) || frameWidth < 1 || frameWidth > 32)
         return Fail("bad frame width '" + value + "': 1 to 32");
@@ -78,7 +134,7 @@ int main(int argc, char **argv) {
     }
   }
 
-  std::string error = CheckOutputPaths({output, csvPath});
+  std::string error = CheckOutputPaths({output, csvPath, svgPath});
   if (!error.empty()) return Fail(error);
   Picture mask;
   if (maskPath.empty()) mask = SyntheticMask();
@@ -149,6 +205,8 @@ int main(int argc, char **argv) {
   AlphaBlendTRCToTRC(fills.data(), w, h, 0, 0, picture.data(), w, h, 0, 0, 255, w, h, false);
   DrawContourOfL08toTRC(outline.data(), pw, ph, pad - 1, pad - 1, picture.data(), w, h, 0, 0, w + 2,
                         h + 2, 0xFFFFFFFFu);
+  std::string svg;
+  if (!OutlinesSvg(mask, &svg, &error)) return Fail(error);
   const double ms =
       std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 
@@ -164,9 +222,9 @@ int main(int argc, char **argv) {
   }
   OutputFiles outputs;
   if (!outputs.AddTrcPng(output, picture, w, h, &error) || !outputs.AddText(csvPath, csv, &error) ||
-      !outputs.Commit(&error))
+      !outputs.AddText(svgPath, svg, &error) || !outputs.Commit(&error))
     return Fail(error);
-  std::printf("objects: %ux%u mask, %d objects found, %.1f ms -> %s, %s\n", w, h, count, ms,
-              output.c_str(), csvPath.c_str());
+  std::printf("objects: %ux%u mask, %d objects found, %.1f ms -> %s, %s, %s\n", w, h, count, ms,
+              output.c_str(), csvPath.c_str(), svgPath.c_str());
   return 0;
 }

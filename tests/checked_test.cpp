@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Ostrel.h"
+#include "VornelCoordPolygon.h"
 
 namespace {
 
@@ -132,6 +133,13 @@ TEST(CheckedBuildDeathTest, CallerErrorsAbortNamingFunctionAndCondition) {
          FollowContour<int>(b, b + 4, 2, 2, 0, 0, 2, 2, 1, nullptr, nullptr);
        },
        "FollowContour: start is 0x[0-9a-f]+, expected a pixel of buffer"},
+      {[] {
+         ICoordPolygon *polygon = nullptr;
+         DllGetCoordPolygonSetRes("test", __LINE__, &polygon);
+         GetContourPolygonFromBuffer2(nullptr, 8, 8, 8, 0, 4, 4, polygon);  // no columns: runs
+         GetContourPolygonFromBuffer2(nullptr, 8, 8, 0, 0, 4, 4, polygon);
+       },
+       "GetContourPolygonFromBuffer2: mask is .*, expected not null"},
       {[] {
          int b[4] = {};
          FollowContour<int>(b, b, 0, 2, 0, 0, 2, 2, 1, nullptr, nullptr);

@@ -126,7 +126,7 @@ TEST_F(ProgramTest, ObjectsFindsTheKnownObjectsOfAMask) {
   std::string error;
   ASSERT_TRUE(WriteGreyPng(In("mask.png"), mask, w, h, &error)) << error;
   ASSERT_EQ(Run(kObjects, "--mask " + In("mask.png") + " --output " + Out("o.png") + " --csv " +
-                              Out("o.csv")),
+                              Out("o.csv") + " --svg " + Out("o.svg")),
             0);
   // Labels in raster order of the objects' first pixels: pixels, centroid;
   // seven fields a row after the header.
@@ -147,6 +147,19 @@ TEST_F(ProgramTest, ObjectsFindsTheKnownObjectsOfAMask) {
   }
   EXPECT_FALSE(std::getline(csv, line)) << "an extra object: " << line;
   ExpectPictureSize("o.png", w, h);
+
+  // The outlines: one figure an 8-connected object (the squares meeting at
+  // a corner make one), in the order of their top-left corners.
+  std::ifstream svgFile(Out("o.svg"));
+  const std::string svg((std::istreambuf_iterator<char>(svgFile)),
+                        std::istreambuf_iterator<char>());
+  EXPECT_NE(svg.find("viewBox=\"0 0 80 30\""), std::string::npos) << svg;
+  EXPECT_NE(svg.find("fill-rule=\"evenodd\""), std::string::npos) << svg;
+  EXPECT_NE(
+      svg.find(" d=\"M0 0H4V3H0ZM70 2H72V4H74V6H72V4H70ZM5 4H15V10H5ZM50 5H54V11H62V15H50ZM30 "
+               "20H33V23H30Z\""),
+      std::string::npos)
+      << svg;
 }
 
 TEST_F(ProgramTest, RepeatViewDrawsAGreyDesignAtTheRequestedSize) {
@@ -281,7 +294,8 @@ TEST_F(ProgramTest, OutputFoldersAreCreated) {
   ExpectPictureSize("../run/out/objects.png", 320, 200);
   ExpectPictureSize("../run/out/repeat-view.png", 640, 400);
   EXPECT_TRUE(fs::is_regular_file(dir_ / "run/out/objects.csv"));
-  EXPECT_EQ(std::distance(fs::directory_iterator(dir_ / "run/out"), fs::directory_iterator()), 3);
+  EXPECT_TRUE(fs::is_regular_file(dir_ / "run/out/objects.svg"));
+  EXPECT_EQ(std::distance(fs::directory_iterator(dir_ / "run/out"), fs::directory_iterator()), 4);
 }
 
 }  // namespace
