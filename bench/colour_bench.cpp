@@ -57,12 +57,7 @@ constexpr int kPixmanTolerance = 2;
 
 // ---- Starting contents: a pure function of the pixel index ---------------
 
-std::uint32_t Mix(std::uint64_t x) {
-  x += 0x9E3779B97F4A7C15ull;
-  x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9ull;
-  x = (x ^ (x >> 27)) * 0x94D049BB133111EBull;
-  return static_cast<std::uint32_t>((x ^ (x >> 31)) >> 16);
-}
+using ostrel_bench::Mix;
 
 // Random alpha; each colour channel random in 0..alpha, so the pixel is also
 // a valid premultiplied a8r8g8b8 pixel for pixman.

@@ -31,12 +31,7 @@ constexpr unsigned int kColour = 0xFF2080E0u;
 constexpr double kOverSibling = 0.5;  // at most twice the 8-bit sibling's time
 constexpr double kOverTraffic = 0.8;
 
-std::uint32_t Mix(std::uint64_t x) {
-  x += 0x9E3779B97F4A7C15ull;
-  x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9ull;
-  x = (x ^ (x >> 27)) * 0x94D049BB133111EBull;
-  return static_cast<std::uint32_t>((x ^ (x >> 31)) >> 16);
-}
+using ostrel_bench::Mix;
 
 enum class Job {
   kL12Shared,     // AlphaBlendL12ToL12, alpha sharing the source's geometry

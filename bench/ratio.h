@@ -74,6 +74,16 @@ struct Pair {
 
 void AddPair(Pair pair);
 
+// Starting contents of benchmark buffers as a pure function of an index: its
+// bits mixed by the splitmix64 finaliser, so that a buffer can be rebuilt or
+// checked element by element without being stored twice.
+inline std::uint32_t Mix(std::uint64_t x) {
+  x += 0x9E3779B97F4A7C15ull;
+  x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9ull;
+  x = (x ^ (x >> 27)) * 0x94D049BB133111EBull;
+  return static_cast<std::uint32_t>((x ^ (x >> 31)) >> 16);
+}
+
 // Runs the selected benchmarks (all Google Benchmark flags apply), then
 // prints the ratio table. Returns nonzero on a bad flag or an output
 // mismatch; a missed target does not change the exit code.

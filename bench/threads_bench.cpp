@@ -26,12 +26,7 @@ constexpr unsigned int kWidth = 7680;
 constexpr unsigned int kHeight = 4320;
 constexpr double kTarget = 1.8;  // on 2 processors
 
-std::uint32_t Mix(std::uint64_t x) {
-  x ^= x >> 33;
-  x *= 0xFF51AFD7ED558CCDull;
-  x ^= x >> 33;
-  return static_cast<std::uint32_t>(x);
-}
+using ostrel_bench::Mix;
 
 void Blend(const std::uint32_t *src, std::uint32_t *dst, unsigned int top, unsigned int rows,
            bool exact) {

@@ -61,12 +61,7 @@ constexpr double kOverPixman = 1.0;
 // pixman's result may differ from the formula in doubles by this much.
 constexpr int kPixmanTolerance = 2;
 
-std::uint32_t Mix(std::uint64_t x) {
-  x += 0x9E3779B97F4A7C15ull;
-  x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9ull;
-  x = (x ^ (x >> 27)) * 0x94D049BB133111EBull;
-  return static_cast<std::uint32_t>((x ^ (x >> 31)) >> 16);
-}
+using ostrel_bench::Mix;
 
 // ---- The members ------------------------------------------------------------
 

@@ -3,22 +3,13 @@
 #include <new>
 
 #include "VornelCoordPair.h"
+#include "ref_counted.h"
 
 namespace {
 
 // One point; deletes itself when its last reference is released.
-class CoordPair final : public ICoordPair {
+class CoordPair final : public vornel_stand_in::RefCounted<CoordPair, ICoordPair> {
  public:
-  VornelStatus VORNEL_STDCALL QueryInterface(const IID &, void **object) override {
-    if (object != nullptr) *object = nullptr;
-    return kVornelNoInterface;
-  }
-  unsigned long VORNEL_STDCALL AddRef() override { return ++refs_; }
-  unsigned long VORNEL_STDCALL Release() override {
-    const unsigned long left = --refs_;
-    if (left == 0) delete this;
-    return left;
-  }
   VornelStatus VORNEL_STDCALL SetXY(double x, double y) override {
     x_ = x;
     y_ = y;
@@ -32,9 +23,9 @@ class CoordPair final : public ICoordPair {
   }
 
  private:
+  friend class vornel_stand_in::RefCounted<CoordPair, ICoordPair>;  // deletes it
   ~CoordPair() = default;
 
-  std::atomic<unsigned long> refs_{1};
   double x_ = 0, y_ = 0;
 };
 

@@ -6,24 +6,14 @@
 #include <vector>
 
 #include "VornelCoordPolygon.h"
+#include "ref_counted.h"
 
 namespace {
 
 // Vertices in one list; figures as the indices where each one starts.
 // Deletes itself when its last reference is released.
-class CoordPolygon final : public ICoordPolygon {
+class CoordPolygon final : public vornel_stand_in::RefCounted<CoordPolygon, ICoordPolygon> {
  public:
-  VornelStatus VORNEL_STDCALL QueryInterface(const IID &, void **object) override {
-    if (object != nullptr) *object = nullptr;
-    return kVornelNoInterface;
-  }
-  unsigned long VORNEL_STDCALL AddRef() override { return ++refs_; }
-  unsigned long VORNEL_STDCALL Release() override {
-    const unsigned long left = --refs_;
-    if (left == 0) delete this;
-    return left;
-  }
-
   VornelStatus VORNEL_STDCALL AddXY(double x, double y) override {
     // Both the vertex and a possible new figure must fit in a long.
     if (points_.size() >= static_cast<std::size_t>(LONG_MAX)) return kVornelFail;
@@ -83,9 +73,9 @@ class CoordPolygon final : public ICoordPolygon {
     double x, y;
   };
 
+  friend class vornel_stand_in::RefCounted<CoordPolygon, ICoordPolygon>;  // deletes it
   ~CoordPolygon() = default;
 
-  std::atomic<unsigned long> refs_{1};
   std::vector<Point> points_;
   std::vector<std::size_t> starts_;  // first vertex of each figure
   bool open_ = false;                // the last figure takes more vertices

@@ -10,6 +10,7 @@
 
 #include "Ostrel.h"
 #include "VornelMemMgr.h"
+#include "counting_mem_mgr.h"
 
 namespace {
 
@@ -206,28 +207,6 @@ int PressAfterPolls(int key) {
   EXPECT_EQ(key, 27);
   return ++g_polls > g_pressAfter ? 1 : 0;
 }
-
-// Counts blocks out and back; allocates from the heap.
-class CountingMemMgr final : public IMemMgr {
- public:
-  VornelStatus VORNEL_STDCALL QueryInterface(const IID &, void **) override {
-    return kVornelNoInterface;
-  }
-  unsigned long VORNEL_STDCALL AddRef() override { return 1; }
-  unsigned long VORNEL_STDCALL Release() override { return 1; }
-  VornelStatus VORNEL_STDCALL Allocate(std::size_t size, void **block) override {
-    ++requests;
-    return (*block = failing ? nullptr : std::malloc(size)) == nullptr ? kVornelOutOfMemory
-                                                                       : (++out, kVornelOk);
-  }
-  VornelStatus VORNEL_STDCALL Free(void *block) override {
-    if (block != nullptr) --out, std::free(block);
-    return kVornelOk;
-  }
-  VornelStatus VORNEL_STDCALL GetMemorySize(unsigned int *m) override { return *m = 64, kVornelOk; }
-  int out = 0, requests = 0;
-  bool failing = false;
-};
 
 TEST(ObjectsFeatures, EscapeAbortsAndTemporariesGoBack) {
   CountingMemMgr manager;

@@ -13,6 +13,7 @@
 #include "VornelCoordPolygon.h"
 #include "VornelException.h"
 #include "VornelMemMgr.h"
+#include "counting_mem_mgr.h"
 #include "outline_check.h"
 
 namespace {
@@ -185,28 +186,6 @@ class FailingPolygon final : public ICoordPolygon {
 
  private:
   int accepted_;
-};
-
-class CountingMemMgr final : public IMemMgr {
- public:
-  VornelStatus VORNEL_STDCALL QueryInterface(const IID &, void **) override {
-    return kVornelNoInterface;
-  }
-  unsigned long VORNEL_STDCALL AddRef() override { return static_cast<unsigned long>(++refs); }
-  unsigned long VORNEL_STDCALL Release() override { return static_cast<unsigned long>(--refs); }
-  VornelStatus VORNEL_STDCALL Allocate(std::size_t size, void **block) override {
-    *block = failing ? nullptr : std::malloc(size);
-    if (*block == nullptr) return kVornelOutOfMemory;
-    ++out;
-    return kVornelOk;
-  }
-  VornelStatus VORNEL_STDCALL Free(void *block) override {
-    if (block != nullptr) --out, std::free(block);
-    return kVornelOk;
-  }
-  VornelStatus VORNEL_STDCALL GetMemorySize(unsigned int *m) override { return *m = 64, kVornelOk; }
-  int out = 0, refs = 0;
-  bool failing = false;
 };
 
 TEST(ObjectsOutline, FailuresAreRaisedAndTemporariesGoBack) {
