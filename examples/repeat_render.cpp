@@ -1,6 +1,7 @@
 #include "repeat_render.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "band_split.h"
@@ -17,6 +18,15 @@ int FloorDiv(long long a, long long b) {
 }
 
 int FloorMod(int a, int b) { return ((a % b) + b) % b; }
+
+// The colours a grey layer is shown in: grey value g gives the ink at
+// coverage g (its colour with alpha byte g), from bare paper at 0 to full
+// ink at 255.
+std::array<unsigned int, 256> InkRamp(unsigned int ink) {
+  std::array<unsigned int, 256> ramp;
+  for (unsigned int g = 0; g < 256; ++g) ramp[g] = g << 24 | (ink & 0xFFFFFFu);
+  return ramp;
+}
 
 // A rectangle of the repeat buffer and where it lies in the tile's file
 // rectangle (offX, offY from its top-left corner).
@@ -35,7 +45,9 @@ class BandRenderer {
         viewRepeatW_(static_cast<int>(design.width * view.zoom)),
         viewRepeatH_(static_cast<int>(design.height * view.zoom)),
         dropRatio_(static_cast<double>(drop_) /
-                   (kind_ == eDropVertical ? design.height : design.width)) {}
+                   (kind_ == eDropVertical ? design.height : design.width)) {
+    for (const Layer &layer : design.layers) ramps_.push_back(InkRamp(layer.colour));
+  }
 
   void Draw(unsigned int top, unsigned int bottom) {
     ChessboardFillTRCBuffer(out_, v_.width, v_.height, 0, top, v_.width, bottom - top, v_.scrollX,
@@ -149,8 +161,9 @@ class BandRenderer {
           for (unsigned int i = 0; i < w; ++i)
             greyScratch_[j * w + i] =
                 layer.l08[static_cast<std::size_t>(rows_[j]) * d_.width + columns_[i]];
-        AlphaBlendL08ToTRC(greyScratch_.data(), w, h, 0, 0, layer.colour, out_, v_.width, v_.height,
-                           outX, outY, layer.opacity, w, h, v_.exact, nullptr);
+        TransferToneL08ToTRC(greyScratch_.data(), w, h, 0, 0, out_, v_.width, v_.height, outX, outY,
+                             ramps_[&layer - d_.layers.data()].data(), layer.opacity, w, h,
+                             v_.exact);
       } else {
         colourScratch_.resize(static_cast<std::size_t>(w) * h);
         for (unsigned int j = 0; j < h; ++j)
@@ -171,6 +184,7 @@ class BandRenderer {
   int viewRepeatW_, viewRepeatH_;
   double dropRatio_;
   std::vector<int> columns_, rows_;
+  std::vector<std::array<unsigned int, 256>> ramps_;  // one per layer (grey layers use theirs)
   std::vector<unsigned char> greyScratch_;
   std::vector<unsigned int> colourScratch_;
 };

@@ -10,7 +10,8 @@
 namespace ostrel_examples {
 
 // One layer of a design tile: a grey layer is the coverage of a paint
-// colour, a colour layer carries its own coverage in its alpha bytes.
+// colour (drawn through a ramp from paper to full ink), a colour layer
+// carries its own coverage in its alpha bytes.
 struct Layer {
   bool grey = true;
   std::vector<unsigned char> l08;  // grey layers, tile-sized

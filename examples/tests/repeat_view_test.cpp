@@ -1,7 +1,9 @@
 // The repeat view drawn tile by tile against the same view drawn pixel by
 // pixel: every view pixel folded into the tile on its own and the layers
 // composited with the blend arithmetic written out here, in the exact form
-// and in the fast form where the processor runs it.
+// and in the fast form where the processor runs it. A grey value g covers
+// with the layer's ink at coverage g: the entry of the ink ramp the view
+// draws the grey layer through.
 #include <gtest/gtest.h>
 
 #include <algorithm>
