@@ -1,9 +1,7 @@
 // Stand-in for the coordinate-pair part of the suite's globals library.
-#include <atomic>
-#include <new>
 
 #include "VornelCoordPair.h"
-#include "ref_counted.h"
+#include "stand_in.h"
 
 namespace {
 
@@ -29,21 +27,14 @@ class CoordPair final : public vornel_stand_in::RefCounted<CoordPair, ICoordPair
   double x_ = 0, y_ = 0;
 };
 
-VornelStatus CreateStandInPair(const char * /*sourceName*/, int /*line*/, ICoordPair **pair) {
-  if (pair == nullptr) return kVornelFail;
-  *pair = new (std::nothrow) CoordPair;
-  return *pair != nullptr ? kVornelOk : kVornelOutOfMemory;
-}
-
-std::atomic<VornelCoordPairFactory> g_factory{nullptr};
+vornel_stand_in::Factory<CoordPair, ICoordPair> g_factory;
 
 }  // namespace
 
 VornelStatus DllGetCoordPairSetRes(const char *sourceName, int line, ICoordPair **pair) {
-  const VornelCoordPairFactory factory = g_factory.load();
-  return (factory != nullptr ? factory : CreateStandInPair)(sourceName, line, pair);
+  return g_factory.Create(sourceName, line, pair);
 }
 
 VornelCoordPairFactory DllSetCoordPairFactory(VornelCoordPairFactory factory) {
-  return g_factory.exchange(factory);
+  return g_factory.Install(factory);
 }

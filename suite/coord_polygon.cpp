@@ -1,12 +1,10 @@
 // Stand-in for the coordinate-polygon part of the suite's globals library.
-#include <atomic>
 #include <climits>
 #include <cstddef>
-#include <new>
 #include <vector>
 
 #include "VornelCoordPolygon.h"
-#include "ref_counted.h"
+#include "stand_in.h"
 
 namespace {
 
@@ -81,22 +79,14 @@ class CoordPolygon final : public vornel_stand_in::RefCounted<CoordPolygon, ICoo
   bool open_ = false;                // the last figure takes more vertices
 };
 
-VornelStatus CreateStandInPolygon(const char * /*sourceName*/, int /*line*/,
-                                  ICoordPolygon **polygon) {
-  if (polygon == nullptr) return kVornelFail;
-  *polygon = new (std::nothrow) CoordPolygon;
-  return *polygon != nullptr ? kVornelOk : kVornelOutOfMemory;
-}
-
-std::atomic<VornelCoordPolygonFactory> g_factory{nullptr};
+vornel_stand_in::Factory<CoordPolygon, ICoordPolygon> g_factory;
 
 }  // namespace
 
 VornelStatus DllGetCoordPolygonSetRes(const char *sourceName, int line, ICoordPolygon **polygon) {
-  const VornelCoordPolygonFactory factory = g_factory.load();
-  return (factory != nullptr ? factory : CreateStandInPolygon)(sourceName, line, polygon);
+  return g_factory.Create(sourceName, line, polygon);
 }
 
 VornelCoordPolygonFactory DllSetCoordPolygonFactory(VornelCoordPolygonFactory factory) {
-  return g_factory.exchange(factory);
+  return g_factory.Install(factory);
 }
