@@ -94,8 +94,9 @@ OSTREL_KERNEL_FAMILY(TrcBlendKernels)
 
 // The scalar table where a row's destination shares memory with its source
 // pixels (other than being them), coverage bytes, greys or words, so that the
-// pixel-by-pixel order of the rule decides the result; the active table
-// otherwise. The vector kernels read a whole step before storing it.
+// pixel-by-pixel order of the rule decides the result (the vector kernels
+// read a whole step before storing it), and for rows of a few pixels; the
+// active table otherwise.
 const TrcBlendKernels &TrcKernelsForRow(const TrcRow &row);
 
 }  // namespace compositing

@@ -217,11 +217,14 @@ const TrcBlendKernels TrcBlendKernelsScalar = {
 #undef OSTREL_BOTH_FORMS
 
 const TrcBlendKernels &TrcKernelsForRow(const TrcRow &row) {
+  // Below this many pixels a row is all tail for the vector kernels, whose
+  // copy in and out costs more than the scalar loop.
+  constexpr std::size_t kVectorRow = 4;
   const auto shares = [&](const auto *p) {
     return p != nullptr && frame::SharesMemory(row.dst, row.n, p, row.n);
   };
-  if ((row.pixels != row.dst && shares(row.pixels)) || shares(row.bytes) || shares(row.greys) ||
-      shares(row.words)) {
+  if (row.n < kVectorRow || (row.pixels != row.dst && shares(row.pixels)) || shares(row.bytes) ||
+      shares(row.greys) || shares(row.words)) {
     return TrcBlendKernelsScalar;
   }
   return ActiveTrcBlendKernels();
