@@ -39,7 +39,8 @@ struct Call {
   int m = 0;
   bool exact = true, nullAlpha = false, bytesInDst = false;
   u32 sw = 1, sh = 1, sl = 0, st = 0, dw = 1, dh = 1, dl = 0, dt = 0, rw = 0, rh = 0;
-  std::size_t src = 0, dst = 0, bytes = 0, palette = 0;
+  std::size_t src = 0, dst = 0, palette = 0;
+  std::ptrdiff_t bytes = 0;  // from the start of the bytes arena, or of dst with bytesInDst
   u32 from = 0, to = 0;
   u8 opacity = 255, tolerance = 0;
 
@@ -93,20 +94,30 @@ Call RandomCall(int m, bool overlap, std::mt19937 &r, Arenas &a) {
   c.nullAlpha = m != kRamp && r() % 3 == 0;
   c.sw = 1 + r() % 67, c.sh = 1 + r() % 4, c.sl = r() % c.sw, c.st = r() % c.sh;
   c.dw = 1 + r() % 67, c.dh = 1 + r() % 4, c.dl = r() % c.dw, c.dt = r() % c.dh;
-  c.rw = 1 + r() % 70, c.rh = 1 + r() % 5;  // often past a buffer's edge
+  c.rw = 1 + r() % 70, c.rh = 1 + r() % 5;                 // often past a buffer's edge
+  if (r() % 8 == 0) c.sw = c.dw = c.rw = 500 + r() % 600;  // past the ramp's scratch row
   const int kind = overlap ? int(r() % 3) : -1;
   if (kind == 0 || kind == 1 || m == kRecolour) c.dw = c.sw, c.dh = c.sh;
   const std::size_t area = std::size_t(c.sw) * c.sh, dstArea = std::size_t(c.dw) * c.dh;
   c.src = 8 + r() % 8;
   c.dst = kind == 0 ? c.src - 2 + r() % 5 : c.src + area + r() % 8;
+  // Sharing memory, the first row of the bytes (or the palette entries from
+  // 64 on) starts a few bytes into the destination's first row, so that
+  // pixels written early in a row are read later in it.
+  const std::size_t first = std::size_t(c.dt) * c.dw + c.dl;
+  const std::size_t unit = m == kDarkL12 || m == kLightL12 ? 2 : 4;
   c.bytesInDst = kind == 1 && (m != kRecolour || !c.nullAlpha);
-  c.bytes = c.bytesInDst ? r() % 8 : r() % 32;  // byte offsets
-  c.palette = kind == 2 ? c.dst + r() % dstArea : c.dst + dstArea + r() % 8;
+  c.bytes = c.bytesInDst ? std::ptrdiff_t(unit * first) - std::ptrdiff_t(c.st * c.sw + c.sl) +
+                               std::ptrdiff_t(r() % 8)
+                         : std::ptrdiff_t(r() % 32);
+  c.palette = kind == 2 ? c.dst + first - std::min<std::size_t>(64, c.dst + first)
+                        : c.dst + dstArea + r() % 8;
   c.opacity = u8(r() % 2 ? 255 : TurnByte(r));
   c.tolerance = u8(r() % 2 ? r() % 12 : TurnByte(r));
   c.from = NearPixel(0x808080, 128, r), c.to = NearPixel(0x808080, 128, r);
-  a.pixels.resize(std::max(c.palette + 256, c.dst + dstArea) + 8);
-  a.words.resize(c.dst + dstArea + 8);
+  // Room after the destination for bytes that start inside it.
+  a.pixels.resize(std::max(c.palette + 256, c.dst + dstArea + area) + 8);
+  a.words.resize(c.dst + dstArea + area + 8);
   a.bytes.resize(64 + area);
   for (auto &p : a.pixels) p = m == kRecolour ? NearPixel(c.from, c.tolerance + 2, r) : u32(r());
   for (auto &w : a.words) w = u16(r() % 2 ? r() : r() % 4096);

@@ -89,15 +89,17 @@ void RampRow(const unsigned char *s, unsigned int *d, std::uint32_t n, const uns
   }
 }
 
-// RampRow through the kernels: the palette entries of a stretch of the row
-// are looked up into a scratch row on the stack, which pixelsByAlpha blends
-// toward. A row whose destination shares memory with its source bytes or
-// the palette runs RampRow itself, so the pixel order decides.
+// RampRow through the vector kernels: the palette entries of a stretch of
+// the row are looked up into a scratch row on the stack, which pixelsByAlpha
+// blends toward. The scalar table gains nothing from the scratch row, and a
+// row whose destination shares memory with its source bytes or the palette
+// needs the pixel order: both run RampRow itself.
 template <Form form>
 void RampRowByKernel(const unsigned char *s, unsigned int *d, std::uint32_t n,
                      const unsigned int *palette, const TrcBlendKernels &kernels,
                      const TrcBlend &blend) {
-  if (frame::SharesMemory(d, n, s, n) || frame::SharesMemory(d, n, palette, 256)) {
+  if (&kernels == &TrcBlendKernelsScalar || frame::SharesMemory(d, n, s, n) ||
+      frame::SharesMemory(d, n, palette, 256)) {
     RampRow<form>(s, d, n, palette, blend.opacity);
     return;
   }
