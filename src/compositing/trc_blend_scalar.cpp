@@ -219,7 +219,7 @@ const TrcBlendKernels TrcBlendKernelsScalar = {
 const TrcBlendKernels &TrcKernelsForRow(const TrcRow &row) {
   // Below this many pixels a row is all tail for the vector kernels, whose
   // copy in and out costs more than the scalar loop.
-  constexpr std::size_t kVectorRow = 4;
+  constexpr std::size_t kVectorRow = 6;
   const auto shares = [&](const auto *p) {
     return p != nullptr && frame::SharesMemory(row.dst, row.n, p, row.n);
   };
