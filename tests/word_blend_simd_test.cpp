@@ -49,6 +49,11 @@ std::vector<std::pair<std::string, WordRowKernel>> Entries(const WordBlendKernel
   entries.emplace_back("towardDensity[0]", t.towardDensity[0]);
   entries.emplace_back("towardDensity[1]", t.towardDensity[1]);
   entries.emplace_back("densityFlat", t.densityFlat);
+  for (int c = 0; c < 2; ++c)
+    for (int lighter = 0; lighter < 2; ++lighter)
+      entries.emplace_back(
+          "towardExtreme[" + std::to_string(c) + "][" + std::to_string(lighter) + "]",
+          t.towardExtreme[c][lighter]);
   return entries;
 }
 

@@ -12,6 +12,7 @@
 
 #include "Ostrel.h"
 #include "compositing/trc_blend.h"
+#include "compositing/word_blend_kernels.h"
 #include "frame/blend.h"
 #include "frame/checked.h"
 #include "frame/region.h"
@@ -88,6 +89,30 @@ void RampRow(const unsigned char *s, unsigned int *d, std::uint32_t n, const uns
   }
 }
 
+// RampRow through the vector kernels: the palette entries of a stretch of
+// the row are looked up into a scratch row on the stack, which pixelsByAlpha
+// blends toward. The scalar table gains nothing from the scratch row, and a
+// row whose destination shares memory with its source bytes or the palette
+// needs the pixel order: both run RampRow itself.
+template <Form form>
+void RampRowByKernel(const unsigned char *s, unsigned int *d, std::uint32_t n,
+                     const unsigned int *palette, const TrcBlendKernels &kernels,
+                     const TrcBlend &blend) {
+  if (&kernels == &TrcBlendKernelsScalar || frame::SharesMemory(d, n, s, n) ||
+      frame::SharesMemory(d, n, palette, 256)) {
+    RampRow<form>(s, d, n, palette, blend.opacity);
+    return;
+  }
+  constexpr std::uint32_t kStretch = 512;
+  std::uint32_t looked[kStretch];
+  for (std::uint32_t i = 0; i < n; i += kStretch) {
+    TrcRow part{d + i, n - i < kStretch ? n - i : kStretch};
+    for (std::size_t k = 0; k < part.n; ++k) looked[k] = palette[s[i + k]];
+    part.pixels = looked;
+    kernels.pixelsByAlpha[static_cast<int>(form)](part, blend);
+  }
+}
+
 // The luminance of a TRC pixel: (77 red + 150 green + 29 blue + 128) >> 8.
 // The weights sum to 256, so white gives 255 and black 0.
 std::uint32_t Luminance(std::uint32_t p) {
@@ -125,60 +150,47 @@ void ExtremeGreyRow(const P *s, const unsigned char *alpha, P *d, std::uint32_t 
   }
 }
 
-// The extreme of blue, green and red of two TRC pixels; alpha byte 0.
-template <bool lighter>
-std::uint32_t ExtremePixel(std::uint32_t s, std::uint32_t d) {
-  std::uint32_t t = 0;
-  for (int shift = 0; shift <= 16; shift += 8) {
-    t |= Extreme<lighter>((s >> shift) & 0xFFu, (d >> shift) & 0xFFu) << shift;
-  }
-  return t;
+// The blend of a darken, lighten or recolouring call: a null alpha row is
+// full coverage, the weight the ...ByWeight kernels take.
+template <Form form>
+TrcBlend CoverBlend(std::uint32_t opacity) {
+  TrcBlend blend = PaintBlend(0, opacity);
+  blend.weight = frame::blend::Weight<form>(255u, opacity);
+  return blend;
 }
 
-// TRC pixels: blue, green and red of d toward their extremes; d keeps its
-// alpha byte and the source's plays no part.
+// TRC pixels: blue, green and red of d toward their extremes with s; d keeps
+// its alpha byte and the source's plays no part (TrcBlendKernels::extreme...).
 template <Form form, bool lighter>
 void ExtremeTrcRow(const unsigned int *s, const unsigned char *alpha, unsigned int *d,
-                   std::uint32_t n, std::uint32_t opacity) {
-  for (std::uint32_t i = 0; i < n; ++i) {
-    d[i] = frame::blend::Pixel<form>(d[i], ExtremePixel<lighter>(s[i], d[i]),
-                                     CoverWeight<form>(alpha, i, opacity));
-  }
+                   std::uint32_t n, const TrcBlend &blend) {
+  TrcRow row{d, n};
+  row.pixels = s;
+  row.bytes = alpha;
+  const TrcBlendKernels &k = TrcKernelsForRow(row);
+  const int f = static_cast<int>(form);
+  (alpha != nullptr ? k.extremeByBytes[lighter][f] : k.extremeByWeight[lighter][f])(row, blend);
 }
 
-// What the recolouring moves pixels from and to.
-struct Recolour {
-  std::uint32_t from;
-  std::uint32_t to;
-  std::int32_t tolerance;
-  std::uint32_t opacity;
-};
-
-// The recoloured target of pixel p: each channel's offset e from the from
-// colour carried over to the to colour, clamped to 0..255. False when some
-// |e| exceeds the tolerance (the pixel is left alone).
-bool RecolourTarget(std::uint32_t p, const Recolour &r, std::uint32_t *target) {
-  std::uint32_t t = 0;
-  for (int shift = 0; shift <= 16; shift += 8) {
-    const std::int32_t e = static_cast<std::int32_t>((p >> shift) & 0xFFu) -
-                           static_cast<std::int32_t>((r.from >> shift) & 0xFFu);
-    if (e > r.tolerance || -e > r.tolerance) return false;
-    std::int32_t v = static_cast<std::int32_t>((r.to >> shift) & 0xFFu) + e;
-    v = v < 0 ? 0 : v > 255 ? 255 : v;
-    t |= static_cast<std::uint32_t>(v) << shift;
-  }
-  *target = t;
-  return true;
+// What the recolouring moves pixels from and to (TrcBlendKernels::recolour...).
+template <Form form>
+TrcBlend Recolour(std::uint32_t from, std::uint32_t to, std::uint32_t tolerance,
+                  std::uint32_t opacity) {
+  TrcBlend blend = CoverBlend<form>(opacity);
+  blend.colour = from;
+  blend.to = to;
+  blend.tolerance = tolerance;
+  return blend;
 }
 
 template <Form form>
-void RecolourRow(unsigned int *b, const unsigned char *alpha, std::uint32_t n, const Recolour &r) {
-  for (std::uint32_t i = 0; i < n; ++i) {
-    std::uint32_t t;
-    if (RecolourTarget(b[i], r, &t)) {
-      b[i] = frame::blend::Pixel<form>(b[i], t, CoverWeight<form>(alpha, i, r.opacity));
-    }
-  }
+void RecolourRow(unsigned int *b, const unsigned char *alpha, std::uint32_t n,
+                 const TrcBlend &blend) {
+  TrcRow row{b, n};
+  row.bytes = alpha;
+  const TrcBlendKernels &k = TrcKernelsForRow(row);
+  const int f = static_cast<int>(form);
+  (alpha != nullptr ? k.recolourByBytes[f] : k.recolourByWeight[f])(row, blend);
 }
 
 // ---- Regions -------------------------------------------------------------------
@@ -248,13 +260,37 @@ void ExtremeTrc(unsigned int *src, unsigned char *alpha, unsigned int srcWidth,
                 unsigned int regionWidth, unsigned int regionHeight, bool exact,
                 const char *function) {
   InForm(exact, [&](auto form) {
+    const TrcBlend blend = CoverBlend<decltype(form)::value>(opacity);
     WithAlphaRows(
         src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
         regionWidth, regionHeight, function,
         [&](const unsigned int *s, const unsigned char *a, unsigned int *d, std::uint32_t n) {
-          ExtremeTrcRow<decltype(form)::value, lighter>(s, a, d, n, opacity);
+          ExtremeTrcRow<decltype(form)::value, lighter>(s, a, d, n, blend);
         });
   });
+}
+
+// The 12-bit darken and lighten: whole words, the exact form only
+// (WordBlendKernels::towardExtreme). A null alpha row is full coverage, whose
+// exact weight (255 * o) / 255 is the opacity itself.
+template <bool lighter>
+void ExtremeWords(unsigned short *src, unsigned char *alpha, unsigned int srcWidth,
+                  unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
+                  unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
+                  unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                  unsigned int regionWidth, unsigned int regionHeight, const char *function) {
+  WordBlend blend;
+  blend.opacity = opacity;
+  WithAlphaRows(
+      src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+      regionWidth, regionHeight, function,
+      [&](const unsigned short *s, const unsigned char *a, unsigned short *d, std::uint32_t n) {
+        WordRow row{d, n};
+        row.src = s;
+        row.alpha = a;
+        WordKernelsForRow(row).towardExtreme[a != nullptr ? kWordByAlpha : kWordByOpacity][lighter](
+            row, blend);
+      });
 }
 
 #if OSTREL_CHECKED
@@ -336,12 +372,14 @@ void TransferToneL08ToTRC(unsigned char *src, unsigned int srcWidth, unsigned in
                           unsigned int dstTop, const unsigned int *palette, unsigned char opacity,
                           unsigned int regionWidth, unsigned int regionHeight, bool exact) {
   const char *const function = __func__;  // the lambda's own is operator()
+  const auto &kernels = compositing::ActiveTrcBlendKernels();
+  const compositing::TrcBlend blend = compositing::PaintBlend(0, opacity);
   compositing::InForm(exact, [&](auto form) {
     compositing::TwoBufferRows(
         src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
         regionWidth, regionHeight, function,
         [&](const unsigned char *s, unsigned int *d, std::uint32_t n) {
-          compositing::RampRow<decltype(form)::value>(s, d, n, palette, opacity);
+          compositing::RampRowByKernel<decltype(form)::value>(s, d, n, palette, kernels, blend);
         },
         compositing::RequiredTable{palette, "palette"});
   });
@@ -389,9 +427,9 @@ void DarkerL12ToL12WithAlpha(unsigned short *src, unsigned char *alpha, unsigned
                              unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
                              unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                              unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
-  compositing::ExtremeGrey<false>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                                  dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
-                                  true, __func__);
+  compositing::ExtremeWords<false>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                                   dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
+                                   __func__);
 }
 
 void LighterL12ToL12WithAlpha(unsigned short *src, unsigned char *alpha, unsigned int srcWidth,
@@ -399,9 +437,9 @@ void LighterL12ToL12WithAlpha(unsigned short *src, unsigned char *alpha, unsigne
                               unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
                               unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                               unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
-  compositing::ExtremeGrey<true>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                                 dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
-                                 true, __func__);
+  compositing::ExtremeWords<true>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                                  dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
+                                  __func__);
 }
 
 void DarkerTRCToTRCWithAlpha(unsigned int *src, unsigned char *alpha, unsigned int srcWidth,
@@ -433,8 +471,9 @@ void ChangeColorOfTRCWithAlpha(unsigned int *buffer, unsigned char *alpha, unsig
   const auto a = frame::MakePlane(alpha, width, height, left, top, "");
   const frame::Extent e = frame::ClipSingle(b, regionWidth, regionHeight, __func__);
   compositing::ExpectPointer(__func__, "buffer", buffer, e);
-  const compositing::Recolour r{fromColour, toColour, tolerance, opacity};
   compositing::InForm(exact, [&](auto form) {
+    const auto r =
+        compositing::Recolour<decltype(form)::value>(fromColour, toColour, tolerance, opacity);
     for (std::uint32_t j = 0; j < e.rows; ++j) {
       compositing::RecolourRow<decltype(form)::value>(
           b.Row(j), alpha != nullptr ? a.Row(j) : nullptr, e.columns, r);

@@ -46,6 +46,8 @@ struct TrcBlend {
   std::uint32_t background = 0;  // colourOnBackground only
   std::uint32_t opacity = 0;     // 0..255
   std::uint32_t weight = 0;      // the ...ByWeight kernels: the weight itself
+  std::uint32_t to = 0;          // the recolouring: colour is what it moves from, to where to
+  std::uint32_t tolerance = 0;   // the recolouring: the largest |offset| of a channel it moves
 };
 
 using TrcRowKernel = void (*)(const TrcRow &row, const TrcBlend &blend);
@@ -74,9 +76,28 @@ struct TrcBlendKernels {
                                     // t = background moved toward colour by weight m, by
                                     // weight o
   TrcRowKernel alphaByBytes;        // the alpha byte only, toward colour >> 24; c = bytes[i]
+  // Darken ([0]) and lighten ([1]): toward t, each of blue, green and red of t
+  // the minimum or maximum of that channel of pixels[i] and dst[i]; the
+  // source's alpha byte plays no part. c = bytes[i], or the weight is
+  // blend.weight. [lighter][form].
+  TrcRowKernel extremeByBytes[2][2];
+  TrcRowKernel extremeByWeight[2][2];
+  // The recolouring: with e each channel's offset from blend.colour (blue,
+  // green, red), a pixel whose every |e| is at most blend.tolerance moves
+  // toward t, each channel of t clamp(that channel of blend.to + e, 0, 255);
+  // other pixels are left. c = bytes[i], or the weight is blend.weight.
+  TrcRowKernel recolourByBytes[2];
+  TrcRowKernel recolourByWeight[2];
 };
 
 OSTREL_KERNEL_FAMILY(TrcBlendKernels)
+
+// The scalar table where a row's destination shares memory with its source
+// pixels (other than being them), coverage bytes, greys or words, so that the
+// pixel-by-pixel order of the rule decides the result (the vector kernels
+// read a whole step before storing it), and for rows of a few pixels; the
+// active table otherwise.
+const TrcBlendKernels &TrcKernelsForRow(const TrcRow &row);
 
 }  // namespace compositing
 }  // namespace ostrel

@@ -2,6 +2,7 @@
 // kernel, written as the rule each one implements.
 #include "compositing/trc_blend_kernels.h"
 #include "frame/blend.h"
+#include "frame/region.h"
 
 namespace ostrel {
 namespace compositing {
@@ -134,6 +135,55 @@ void AlphaByBytes(const TrcRow &r, const TrcBlend &b) {
   }
 }
 
+// The darken (min) or lighten (max) of blue, green and red of two pixels;
+// alpha byte 0.
+template <bool lighter>
+std::uint32_t ExtremePixel(std::uint32_t s, std::uint32_t d) {
+  std::uint32_t t = 0;
+  for (int shift = 0; shift <= 16; shift += 8) {
+    const std::uint32_t a = (s >> shift) & 0xFFu, b = (d >> shift) & 0xFFu;
+    t |= (lighter ? (a > b ? a : b) : (a < b ? a : b)) << shift;
+  }
+  return t;
+}
+
+template <Form form, bool lighter, bool byBytes>
+void TowardExtreme(const TrcRow &r, const TrcBlend &b) {
+  for (std::size_t i = 0; i < r.n; ++i) {
+    const std::uint32_t w = byBytes ? Weight<form>(r.bytes[i], b.opacity) : b.weight;
+    r.dst[i] = Pixel<form>(r.dst[i], ExtremePixel<lighter>(r.pixels[i], r.dst[i]), w);
+  }
+}
+
+// The recoloured target of pixel p: each channel's offset e from the from
+// colour carried over to the to colour, clamped to 0..255. False when some
+// |e| exceeds the tolerance (the pixel is left alone).
+bool RecolourTarget(std::uint32_t p, const TrcBlend &b, std::uint32_t *target) {
+  const auto tolerance = static_cast<std::int32_t>(b.tolerance);
+  std::uint32_t t = 0;
+  for (int shift = 0; shift <= 16; shift += 8) {
+    const std::int32_t e = static_cast<std::int32_t>((p >> shift) & 0xFFu) -
+                           static_cast<std::int32_t>((b.colour >> shift) & 0xFFu);
+    if (e > tolerance || -e > tolerance) return false;
+    std::int32_t v = static_cast<std::int32_t>((b.to >> shift) & 0xFFu) + e;
+    v = v < 0 ? 0 : v > 255 ? 255 : v;
+    t |= static_cast<std::uint32_t>(v) << shift;
+  }
+  *target = t;
+  return true;
+}
+
+template <Form form, bool byBytes>
+void Recolour(const TrcRow &r, const TrcBlend &b) {
+  for (std::size_t i = 0; i < r.n; ++i) {
+    std::uint32_t t;
+    if (RecolourTarget(r.dst[i], b, &t)) {
+      const std::uint32_t w = byBytes ? Weight<form>(r.bytes[i], b.opacity) : b.weight;
+      r.dst[i] = Pixel<form>(r.dst[i], t, w);
+    }
+  }
+}
+
 }  // namespace
 
 #define OSTREL_BOTH_FORMS(kernel) \
@@ -156,9 +206,29 @@ const TrcBlendKernels TrcBlendKernelsScalar = {
     GreysByBytes,
     ColourOnBackground,
     AlphaByBytes,
+    {{TowardExtreme<Form::kExact, false, true>, TowardExtreme<Form::kFast, false, true>},
+     {TowardExtreme<Form::kExact, true, true>, TowardExtreme<Form::kFast, true, true>}},
+    {{TowardExtreme<Form::kExact, false, false>, TowardExtreme<Form::kFast, false, false>},
+     {TowardExtreme<Form::kExact, true, false>, TowardExtreme<Form::kFast, true, false>}},
+    {Recolour<Form::kExact, true>, Recolour<Form::kFast, true>},
+    {Recolour<Form::kExact, false>, Recolour<Form::kFast, false>},
 };
 
 #undef OSTREL_BOTH_FORMS
+
+const TrcBlendKernels &TrcKernelsForRow(const TrcRow &row) {
+  // Below this many pixels a row is all tail for the vector kernels, whose
+  // copy in and out costs more than the scalar loop.
+  constexpr std::size_t kVectorRow = 6;
+  const auto shares = [&](const auto *p) {
+    return p != nullptr && frame::SharesMemory(row.dst, row.n, p, row.n);
+  };
+  if (row.n < kVectorRow || (row.pixels != row.dst && shares(row.pixels)) || shares(row.bytes) ||
+      shares(row.greys) || shares(row.words)) {
+    return TrcBlendKernelsScalar;
+  }
+  return ActiveTrcBlendKernels();
+}
 
 }  // namespace compositing
 }  // namespace ostrel

@@ -223,6 +223,59 @@ struct AlphaByBytes {
   }
 };
 
+// The weights of a step: from the coverage bytes, or the call's one weight.
+template <class V, Form form, bool byBytes>
+typename V::Reg CoverWeights(const TrcRow &r, const TrcBlend &b, std::size_t i) {
+  if constexpr (byBytes) {
+    return WeightOf<V, form>(V::BytesToLanes(r.bytes + i), b.opacity);
+  } else {
+    return V::Set32(b.weight);
+  }
+}
+
+template <class V, Form form, bool lighter, bool byBytes>
+struct TowardExtreme {
+  static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
+    const typename V::Reg d = V::Load(r.dst + i), s = V::Load(r.pixels + i);
+    // All four bytes: the alpha byte of the target is blended by weight 0.
+    const typename V::Reg t = lighter ? V::MaxU8(s, d) : V::MinU8(s, d);
+    V::Store(r.dst + i, BlendPixels<V, form>(d, t, CoverWeights<V, form, byBytes>(r, b, i)));
+  }
+};
+
+template <class V, Form form, bool byBytes>
+struct Recolour {
+  // Per 16-bit lane p of the pixels' even bytes (blue, red) or odd bytes
+  // (green, alpha): the lanes where |p - from| exceeds tolerance are not 0,
+  // and target = clamp(p + to - from, 0, 255), taken as
+  // min(max(p + (to - from + 255) - 255, 0), 255) in unsigned lanes.
+  static void Lanes(typename V::Reg p, typename V::Reg from, typename V::Reg to,
+                    typename V::Reg tolerance, typename V::Reg *over, typename V::Reg *target) {
+    const typename V::Reg byte = V::Set16(255);
+    *over = V::SubSatU16(V::Abs16(V::Sub16(p, from)), tolerance);
+    const typename V::Reg shifted = V::Add16(p, V::Add16(V::Sub16(to, from), byte));
+    *target = V::MinU16(V::SubSatU16(shifted, byte), byte);
+  }
+
+  static void Step(const TrcRow &r, const TrcBlend &b, std::size_t i) {
+    const typename V::Reg evenBytes = V::Set32(0x00FF00FFu);
+    const typename V::Reg d = V::Load(r.dst + i);
+    const typename V::Reg from = V::Set32(b.colour), to = V::Set32(b.to);
+    const typename V::Reg tolerance = V::Set16(static_cast<std::uint16_t>(b.tolerance));
+    typename V::Reg overEven, overOdd, even, odd;
+    Lanes(V::And(d, evenBytes), V::And(from, evenBytes), V::And(to, evenBytes), tolerance,
+          &overEven, &even);
+    // The alpha lane's tolerance, 65535, is never exceeded.
+    Lanes(V::template ShiftRight16<8>(d), V::template ShiftRight16<8>(from),
+          V::template ShiftRight16<8>(to), V::Or(tolerance, V::Set32(0xFFFF0000u)), &overOdd, &odd);
+    const typename V::Reg inside = V::CmpEq32(V::Or(overEven, overOdd), V::Zero());
+    // Weight 0 leaves a pixel outside the tolerance as it is.
+    const typename V::Reg w = V::And(CoverWeights<V, form, byBytes>(r, b, i), inside);
+    const typename V::Reg t = V::Or(even, V::template ShiftLeft16<8>(odd));
+    V::Store(r.dst + i, BlendPixels<V, form>(d, t, w));
+  }
+};
+
 // ---- The row loop ----------------------------------------------------------
 
 template <class V, class Kernel>
@@ -288,6 +341,16 @@ constexpr TrcBlendKernels MakeTrcBlendKernels() {
       RunRow<V, GreysByBytes<V>>,
       RunRow<V, ColourOnBackground<V>>,
       RunRow<V, AlphaByBytes<V>>,
+      {{RunRow<V, TowardExtreme<V, Form::kExact, false, true>>,
+        RunRow<V, TowardExtreme<V, Form::kFast, false, true>>},
+       {RunRow<V, TowardExtreme<V, Form::kExact, true, true>>,
+        RunRow<V, TowardExtreme<V, Form::kFast, true, true>>}},
+      {{RunRow<V, TowardExtreme<V, Form::kExact, false, false>>,
+        RunRow<V, TowardExtreme<V, Form::kFast, false, false>>},
+       {RunRow<V, TowardExtreme<V, Form::kExact, true, false>>,
+        RunRow<V, TowardExtreme<V, Form::kFast, true, false>>}},
+      {RunRow<V, Recolour<V, Form::kExact, true>>, RunRow<V, Recolour<V, Form::kFast, true>>},
+      {RunRow<V, Recolour<V, Form::kExact, false>>, RunRow<V, Recolour<V, Form::kFast, false>>},
   };
 }
 

@@ -72,6 +72,10 @@ struct WordBlendKernels {
   // ([0]) or c = 255 - alpha[i] ([1]).
   WordRowKernel towardDensity[2];
   WordRowKernel densityFlat;  // dst[i] = density where alpha[i] is not 0
+  // Darken ([0]) and lighten ([1]): toward min(src[i], dst[i]) or
+  // max(src[i], dst[i]); [coverage][lighter] with coverage kWordByOpacity or
+  // kWordByAlpha.
+  WordRowKernel towardExtreme[2][2];
 };
 
 OSTREL_KERNEL_FAMILY(WordBlendKernels)

@@ -50,6 +50,15 @@ void DensityFlat(const WordRow &r, const WordBlend &b) {
   }
 }
 
+template <int coverage, bool lighter>
+void TowardExtreme(const WordRow &r, const WordBlend &b) {
+  for (std::size_t i = 0; i < r.n; ++i) {
+    const std::int32_t s = r.src[i], d = r.dst[i];
+    const std::int32_t t = lighter ? (s > d ? s : d) : (s < d ? s : d);
+    r.dst[i] = static_cast<std::uint16_t>(ExactChannel(d, t, WordWeight<coverage>(r, i, b)));
+  }
+}
+
 template <int coverage, bool scaled, bool skipZero, int result>
 struct SourceKernel {
   static void Run(const WordRow &r, const WordBlend &b) {
@@ -63,6 +72,10 @@ constexpr WordBlendKernels MakeScalar() {
   t.towardDensity[0] = TowardDensity<false>;
   t.towardDensity[1] = TowardDensity<true>;
   t.densityFlat = DensityFlat;
+  t.towardExtreme[kWordByOpacity][0] = TowardExtreme<kWordByOpacity, false>;
+  t.towardExtreme[kWordByOpacity][1] = TowardExtreme<kWordByOpacity, true>;
+  t.towardExtreme[kWordByAlpha][0] = TowardExtreme<kWordByAlpha, false>;
+  t.towardExtreme[kWordByAlpha][1] = TowardExtreme<kWordByAlpha, true>;
   return t;
 }
 

@@ -114,6 +114,15 @@ struct DensityFlat {
   }
 };
 
+template <class V, int coverage, bool lighter>
+struct TowardExtreme {
+  static constexpr bool kSource = true, kAlpha = coverage != kWordByOpacity, kForceNext = false;
+  static Reg<V> Lanes(Reg<V> d, Reg<V> s, Reg<V> a, const WordBlend &b, Reg<V>) {
+    const Reg<V> t = lighter ? V::MaxU16(s, d) : V::MinU16(s, d);
+    return WordBlendLanes<V>(d, t, WordWeightLanes<V, coverage>(a, b.opacity));
+  }
+};
+
 // ---- The row loop ----------------------------------------------------------
 
 template <class V, class Kernel>
@@ -173,6 +182,10 @@ constexpr WordBlendKernels MakeWordBlendKernels() {
   t.towardDensity[0] = RunWordRow<V, TowardDensity<V, false>>;
   t.towardDensity[1] = RunWordRow<V, TowardDensity<V, true>>;
   t.densityFlat = RunWordRow<V, DensityFlat<V>>;
+  t.towardExtreme[kWordByOpacity][0] = RunWordRow<V, TowardExtreme<V, kWordByOpacity, false>>;
+  t.towardExtreme[kWordByOpacity][1] = RunWordRow<V, TowardExtreme<V, kWordByOpacity, true>>;
+  t.towardExtreme[kWordByAlpha][0] = RunWordRow<V, TowardExtreme<V, kWordByAlpha, false>>;
+  t.towardExtreme[kWordByAlpha][1] = RunWordRow<V, TowardExtreme<V, kWordByAlpha, true>>;
   return t;
 }
 
