@@ -8,9 +8,11 @@
 // per-pixel rules; they are the places where vector kernels can take over.
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 #include "Ostrel.h"
+#include "compositing/grey_blend_kernels.h"
 #include "compositing/trc_blend.h"
 #include "frame/blend.h"
 #include "frame/checked.h"
@@ -125,6 +127,113 @@ void ExtremeGreyRow(const P *s, const unsigned char *alpha, P *d, std::uint32_t 
   }
 }
 
+// ---- The grey members' rows through the grey kernels -------------------------
+// A kernel reads its inputs a step (or a stretch) ahead of its stores, so a
+// row runs one only where that gives the row function's pixel-order results:
+// each per-pixel input is the destination row itself or shares no memory with
+// it, and the tables share none. Rows narrower than kKernelFrom run the row
+// functions: below it a kernel's per-row cost outweighs what it saves.
+constexpr std::uint32_t kKernelFrom = 16;
+// Tone curves and luminance are looked up a stretch at a time into scratch
+// rows on the stack.
+constexpr std::uint32_t kStretch = 1024;
+
+// True when the n bytes from d share no memory with the m values from in
+// (null: none).
+template <class In>
+bool Apart(const unsigned char *d, std::uint32_t n, const In *in, std::size_t m) {
+  return in == nullptr || !frame::SharesMemory(d, n, in, m);
+}
+
+// True when the per-pixel input row in (null: none) may be read ahead of the
+// stores to d.
+bool ReadAhead(const unsigned char *d, std::uint32_t n, const unsigned char *in) {
+  return in == d || Apart(d, n, in, n);
+}
+
+GreyBlend OpacityBlend(std::uint32_t opacity, const unsigned char *table = nullptr) {
+  GreyBlend blend;
+  blend.opacity = opacity;
+  blend.table = table;
+  return blend;
+}
+
+// ToneRow: the source looked up into a scratch row (tone null: the source
+// itself), then d moved toward it by greysByAlpha at full coverage.
+template <Form form>
+void ToneKernelRow(const GreyBlendKernels &k, const unsigned char *s, unsigned char *d,
+                   std::uint32_t n, const unsigned char *tone, std::uint32_t opacity) {
+  if (n < kKernelFrom || !ReadAhead(d, n, s) || !Apart(d, n, tone, 256)) {
+    ToneRow<form>(s, d, n, tone, opacity);
+    return;
+  }
+  const GreyBlend blend = OpacityBlend(opacity, tone);
+  const GreyRowKernel toward = k.greysByAlpha[static_cast<int>(form)];
+  std::uint8_t mapped[kStretch];
+  for (std::uint32_t i = 0; i < n; i += kStretch) {
+    GreyRow row{d + i, n - i < kStretch ? n - i : kStretch};
+    row.src = s + i;
+    if (tone != nullptr) {
+      std::memcpy(mapped, s + i, row.n);
+      k.lookup(GreyRow{mapped, row.n}, blend);
+      row.src = mapped;
+    }
+    toward(row, blend);
+  }
+}
+
+// LumaRow: luminance and alpha bytes split into scratch rows, the luminance
+// looked up (tone null: kept), then d moved toward it by greysByAlpha.
+template <Form form>
+void LumaKernelRow(const GreyBlendKernels &k, const unsigned int *s, unsigned char *d,
+                   std::uint32_t n, const unsigned char *tone, std::uint32_t opacity) {
+  if (n < kKernelFrom || !Apart(d, n, s, n) || !Apart(d, n, tone, 256)) {
+    LumaRow<form>(s, d, n, tone, opacity);
+    return;
+  }
+  const GreyBlend blend = OpacityBlend(opacity, tone);
+  const GreyRowKernel toward = k.greysByAlpha[static_cast<int>(form)];
+  std::uint8_t luma[kStretch], alpha[kStretch];
+  for (std::uint32_t i = 0; i < n; i += kStretch) {
+    GreyRow split{luma, n - i < kStretch ? n - i : kStretch};
+    split.pixels = s + i;
+    split.second = alpha;
+    k.splitLuminance(split, blend);
+    if (tone != nullptr) k.lookup(GreyRow{luma, split.n}, blend);
+    GreyRow row{d + i, split.n};
+    row.src = luma;
+    row.alpha = alpha;
+    toward(row, blend);
+  }
+}
+
+template <Form form, bool lighter>
+void ExtremeKernelRow(const GreyBlendKernels &k, const unsigned char *s, const unsigned char *a,
+                      unsigned char *d, std::uint32_t n, std::uint32_t opacity) {
+  if (n < kKernelFrom || !ReadAhead(d, n, s) || !ReadAhead(d, n, a)) {
+    ExtremeGreyRow<form, lighter>(s, a, d, n, opacity);
+    return;
+  }
+  GreyRow row{d, n};
+  row.src = s;
+  row.alpha = a;
+  (lighter ? k.lighter : k.darker)[static_cast<int>(form)](row, OpacityBlend(opacity));
+}
+
+// MoveRow; both rows written, so the three rows must lie apart.
+void MoveKernelRow(const GreyBlendKernels &k, unsigned char *s, const unsigned char *protect,
+                   unsigned char *d, std::uint32_t n, std::uint32_t opacity) {
+  if (n < kKernelFrom || !Apart(d, n, s, n) || !Apart(d, n, protect, n) ||
+      !Apart(s, n, protect, n)) {
+    MoveRow(s, protect, d, n, opacity);
+    return;
+  }
+  GreyRow row{d, n};
+  row.alpha = protect;
+  row.second = s;
+  k.moveInk(row, OpacityBlend(opacity));
+}
+
 // The extreme of blue, green and red of two TRC pixels; alpha byte 0.
 template <bool lighter>
 std::uint32_t ExtremePixel(std::uint32_t s, std::uint32_t d) {
@@ -231,11 +340,16 @@ void ExtremeGrey(P *src, unsigned char *alpha, unsigned int srcWidth, unsigned i
                  unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
                  unsigned char opacity, unsigned int regionWidth, unsigned int regionHeight,
                  bool exact, const char *function) {
+  const GreyBlendKernels &k = ActiveGreyBlendKernels();
   InForm(exact, [&](auto form) {
     WithAlphaRows(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
                   dstLeft, dstTop, regionWidth, regionHeight, function,
                   [&](const P *s, const unsigned char *a, P *d, std::uint32_t n) {
-                    ExtremeGreyRow<decltype(form)::value, lighter>(s, a, d, n, opacity);
+                    if constexpr (std::is_same<P, unsigned char>::value) {
+                      ExtremeKernelRow<decltype(form)::value, lighter>(k, s, a, d, n, opacity);
+                    } else {
+                      ExtremeGreyRow<decltype(form)::value, lighter>(s, a, d, n, opacity);
+                    }
                   });
   });
 }
@@ -278,6 +392,30 @@ bool RegionsShareMemory(const frame::Plane<unsigned char> &a, const frame::Plane
 #endif
 
 }  // namespace
+
+// The scalar entries of the grey kernels that the tone members run: their
+// row functions and the luminance above.
+template <Form form, bool lighter>
+void ExtremeBytesRow(const GreyRow &row, const GreyBlend &blend) {
+  ExtremeGreyRow<form, lighter>(row.src, row.alpha, row.dst, static_cast<std::uint32_t>(row.n),
+                                blend.opacity);
+}
+template void ExtremeBytesRow<Form::kExact, false>(const GreyRow &, const GreyBlend &);
+template void ExtremeBytesRow<Form::kFast, false>(const GreyRow &, const GreyBlend &);
+template void ExtremeBytesRow<Form::kExact, true>(const GreyRow &, const GreyBlend &);
+template void ExtremeBytesRow<Form::kFast, true>(const GreyRow &, const GreyBlend &);
+
+void MoveInkRow(const GreyRow &row, const GreyBlend &blend) {
+  MoveRow(row.second, row.alpha, row.dst, static_cast<std::uint32_t>(row.n), blend.opacity);
+}
+
+void SplitLuminanceRow(const GreyRow &row, const GreyBlend &) {
+  for (std::size_t i = 0; i < row.n; ++i) {
+    row.dst[i] = static_cast<std::uint8_t>(Luminance(row.pixels[i]));
+    row.second[i] = static_cast<std::uint8_t>(row.pixels[i] >> 24);
+  }
+}
+
 }  // namespace compositing
 }  // namespace ostrel
 
@@ -290,12 +428,13 @@ void TransferToneL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned in
                           unsigned int dstTop, const unsigned char *tone, unsigned char opacity,
                           unsigned int regionWidth, unsigned int regionHeight, bool exact) {
   const char *const function = __func__;  // the lambda's own is operator()
+  const compositing::GreyBlendKernels &k = compositing::ActiveGreyBlendKernels();
   compositing::InForm(exact, [&](auto form) {
     compositing::TwoBufferRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
                                dstLeft, dstTop, regionWidth, regionHeight, function,
                                [&](const unsigned char *s, unsigned char *d, std::uint32_t n) {
-                                 compositing::ToneRow<decltype(form)::value>(s, d, n, tone,
-                                                                             opacity);
+                                 compositing::ToneKernelRow<decltype(form)::value>(k, s, d, n, tone,
+                                                                                   opacity);
                                });
   });
 }
@@ -324,9 +463,10 @@ void MoveToneL08ToL08Prot(unsigned char *src, unsigned int srcWidth, unsigned in
                 !compositing::RegionsShareMemory(s, d, e),
                 "a region that shares no memory with src's");
 #endif
+  const compositing::GreyBlendKernels &k = compositing::ActiveGreyBlendKernels();
   for (std::uint32_t j = 0; j < e.rows; ++j) {
-    compositing::MoveRow(s.Row(j), protect != nullptr ? p.Row(j) : nullptr, d.Row(j), e.columns,
-                         opacity);
+    compositing::MoveKernelRow(k, s.Row(j), protect != nullptr ? p.Row(j) : nullptr, d.Row(j),
+                               e.columns, opacity);
   }
 }
 
@@ -353,12 +493,13 @@ void TransferToneTRCToL08(unsigned int *src, unsigned int srcWidth, unsigned int
                           unsigned int dstTop, const unsigned char *tone, unsigned char opacity,
                           unsigned int regionWidth, unsigned int regionHeight, bool exact) {
   const char *const function = __func__;  // the lambda's own is operator()
+  const compositing::GreyBlendKernels &k = compositing::ActiveGreyBlendKernels();
   compositing::InForm(exact, [&](auto form) {
     compositing::TwoBufferRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
                                dstLeft, dstTop, regionWidth, regionHeight, function,
                                [&](const unsigned int *s, unsigned char *d, std::uint32_t n) {
-                                 compositing::LumaRow<decltype(form)::value>(s, d, n, tone,
-                                                                             opacity);
+                                 compositing::LumaKernelRow<decltype(form)::value>(k, s, d, n, tone,
+                                                                                   opacity);
                                });
   });
 }
