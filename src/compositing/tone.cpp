@@ -134,9 +134,7 @@ void ExtremeGreyRow(const P *s, const unsigned char *alpha, P *d, std::uint32_t 
 // it, and the tables share none. Rows narrower than kKernelFrom run the row
 // functions: below it a kernel's per-row cost outweighs what it saves.
 constexpr std::uint32_t kKernelFrom = 16;
-// Tone curves and luminance are looked up a stretch at a time into scratch
-// rows on the stack.
-constexpr std::uint32_t kStretch = 1024;
+constexpr std::uint32_t kStretch = 1024;  // pixels of a scratch row on the stack
 
 // True when the n bytes from d share no memory with the m values from in
 // (null: none).
@@ -158,15 +156,12 @@ GreyBlend OpacityBlend(std::uint32_t opacity, const unsigned char *table = nullp
   return blend;
 }
 
-// ToneRow: the source looked up into a scratch row (tone null: the source
-// itself), then d moved toward it by greysByAlpha at full coverage.
+// ToneRow on a row the kernels take: the source looked up a stretch at a time
+// into a scratch row (tone null: the source itself), then d moved toward it
+// by greysByAlpha at full coverage.
 template <Form form>
-void ToneKernelRow(const GreyBlendKernels &k, const unsigned char *s, unsigned char *d,
+void ToneStretches(const GreyBlendKernels &k, const unsigned char *s, unsigned char *d,
                    std::uint32_t n, const unsigned char *tone, std::uint32_t opacity) {
-  if (n < kKernelFrom || !ReadAhead(d, n, s) || !Apart(d, n, tone, 256)) {
-    ToneRow<form>(s, d, n, tone, opacity);
-    return;
-  }
   const GreyBlend blend = OpacityBlend(opacity, tone);
   const GreyRowKernel toward = k.greysByAlpha[static_cast<int>(form)];
   std::uint8_t mapped[kStretch];
@@ -182,15 +177,22 @@ void ToneKernelRow(const GreyBlendKernels &k, const unsigned char *s, unsigned c
   }
 }
 
-// LumaRow: luminance and alpha bytes split into scratch rows, the luminance
-// looked up (tone null: kept), then d moved toward it by greysByAlpha.
 template <Form form>
-void LumaKernelRow(const GreyBlendKernels &k, const unsigned int *s, unsigned char *d,
+void ToneKernelRow(const GreyBlendKernels &k, const unsigned char *s, unsigned char *d,
                    std::uint32_t n, const unsigned char *tone, std::uint32_t opacity) {
-  if (n < kKernelFrom || !Apart(d, n, s, n) || !Apart(d, n, tone, 256)) {
-    LumaRow<form>(s, d, n, tone, opacity);
-    return;
+  if (n < kKernelFrom || !ReadAhead(d, n, s) || !Apart(d, n, tone, 256)) {
+    ToneRow<form>(s, d, n, tone, opacity);
+  } else {
+    ToneStretches<form>(k, s, d, n, tone, opacity);
   }
+}
+
+// LumaRow on a row the kernels take: luminance and alpha bytes split a
+// stretch at a time into scratch rows, the luminance looked up (tone null:
+// kept), then d moved toward it by greysByAlpha.
+template <Form form>
+void LumaStretches(const GreyBlendKernels &k, const unsigned int *s, unsigned char *d,
+                   std::uint32_t n, const unsigned char *tone, std::uint32_t opacity) {
   const GreyBlend blend = OpacityBlend(opacity, tone);
   const GreyRowKernel toward = k.greysByAlpha[static_cast<int>(form)];
   std::uint8_t luma[kStretch], alpha[kStretch];
@@ -204,6 +206,16 @@ void LumaKernelRow(const GreyBlendKernels &k, const unsigned int *s, unsigned ch
     row.src = luma;
     row.alpha = alpha;
     toward(row, blend);
+  }
+}
+
+template <Form form>
+void LumaKernelRow(const GreyBlendKernels &k, const unsigned int *s, unsigned char *d,
+                   std::uint32_t n, const unsigned char *tone, std::uint32_t opacity) {
+  if (n < kKernelFrom || !Apart(d, n, s, n) || !Apart(d, n, tone, 256)) {
+    LumaRow<form>(s, d, n, tone, opacity);
+  } else {
+    LumaStretches<form>(k, s, d, n, tone, opacity);
   }
 }
 
