@@ -1,7 +1,8 @@
 // Grey compositing into 8-bit destinations: the vector kernels, written once
 // for any vector width V (simd_sse2.h, simd_avx2.h) and included by the SSE2
 // and AVX2 kernel files. Every kernel gives exactly the results of its
-// scalar definition in grey_blend_scalar.cpp.
+// scalar definition (grey_blend_scalar.cpp, or for the tone operations' own
+// kernels their row functions in tone.cpp).
 //
 // A step takes V::kBytes destination bytes (with the source and coverage
 // bytes that pair with them), widens them to two registers of 16-bit lanes,
@@ -41,10 +42,11 @@ Reg<V> GreyBlendLanes(Reg<V> d, Reg<V> s, Reg<V> w) {
 
 // ---- Kernels: 16-bit lanes in, 16-bit lanes out ----------------------------
 // A kernel's step is Load, which reads the V::kBytes bytes (or pixels) of
-// each row the kernel reads from i on, and Store, which computes from them and
-// stores; On<W> is the same kernel for vector width W. A lanes kernel derives from ByLanes, whose
-// Load reads a null alpha row as 255 and whose Store widens the bytes, runs Lanes on each half and
-// stores the packed results to dst.
+// each row the kernel reads from i on, and Store, which computes from them
+// and stores; On<W> is the same kernel for vector width W. A lanes kernel
+// derives from ByLanes, whose Load reads a null alpha row as 255 and whose
+// Store widens the bytes, runs Lanes on each half and stores the packed
+// results to dst.
 
 template <class V, class Kernel>
 struct ByLanes {
@@ -180,8 +182,8 @@ struct SplitLuminance {
 
 // ---- The row loop ----------------------------------------------------------
 
-// Copies n bytes, fewer than 128, between buffers that do not overlap, without
-// a call: whole 16-byte blocks and a last block that overlaps the one before,
+// Copies n bytes between buffers that do not overlap, without a library
+// call: whole 16-byte blocks and a last block that overlaps the one before,
 // or two overlapping halves of a shorter copy.
 inline void CopyShort(void *to, const void *from, std::size_t n) {
   auto *t = static_cast<unsigned char *>(to);

@@ -232,7 +232,8 @@ void ExtremeKernelRow(const GreyBlendKernels &k, const unsigned char *s, const u
   (lighter ? k.lighter : k.darker)[static_cast<int>(form)](row, OpacityBlend(opacity));
 }
 
-// MoveRow; both rows written, so the three rows must lie apart.
+// MoveRow on a row the kernels take; it writes two rows, so the three rows
+// must lie apart.
 void MoveKernelRow(const GreyBlendKernels &k, unsigned char *s, const unsigned char *protect,
                    unsigned char *d, std::uint32_t n, std::uint32_t opacity) {
   if (n < kKernelFrom || !Apart(d, n, s, n) || !Apart(d, n, protect, n) ||
