@@ -1,8 +1,10 @@
 // Grey row kernels: every entry of the SSE2 and AVX2 tables against the
 // scalar definition, on random rows of 0..100 bytes at unaligned addresses
-// inside guarded buffers, for opacities that take each weight path.
+// inside guarded buffers (both written rows compared whole), for opacities
+// that take each weight path, with null alpha rows where an entry takes them.
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 #include "compositing/grey_blend_kernels.h"
@@ -19,15 +21,28 @@ using ostrel::frame::simd::Isa;
 struct Entry {
   const char *name;
   GreyRowKernel (*of)(const GreyBlendKernels &);
+  bool alphaMayBeNull;  // a null alpha row is full coverage (or, for the ink move, no protection)
 };
-#define ENTRY(field)                                          \
-  {                                                           \
-#field, [](const GreyBlendKernels &t) { return t.field; } \
+#define ENTRY(field, alphaMayBeNull)                                          \
+  {                                                                           \
+#field, [](const GreyBlendKernels &t) { return t.field; }, alphaMayBeNull \
   }
-const Entry kEntries[] = {
-    ENTRY(densityByAlpha[0]),   ENTRY(densityByAlpha[1]),    ENTRY(densityByInverse[0]),
-    ENTRY(densityByInverse[1]), ENTRY(applyAlpha[0]),        ENTRY(applyAlpha[1]),
-    ENTRY(greysByAlpha),        ENTRY(greysByAlphaTwoLevel), ENTRY(lookup)};
+const Entry kEntries[] = {ENTRY(densityByAlpha[0], false),
+                          ENTRY(densityByAlpha[1], false),
+                          ENTRY(densityByInverse[0], false),
+                          ENTRY(densityByInverse[1], false),
+                          ENTRY(applyAlpha[0], false),
+                          ENTRY(applyAlpha[1], false),
+                          ENTRY(greysByAlpha[0], true),
+                          ENTRY(greysByAlpha[1], true),
+                          ENTRY(greysByAlphaTwoLevel, false),
+                          ENTRY(darker[0], true),
+                          ENTRY(darker[1], true),
+                          ENTRY(lighter[0], true),
+                          ENTRY(lighter[1], true),
+                          ENTRY(moveInk, true),
+                          ENTRY(splitLuminance, false),
+                          ENTRY(lookup, false)};
 #undef ENTRY
 
 TEST(GreyBlendKernels, EveryIsaMatchesScalar) {
@@ -45,22 +60,34 @@ TEST(GreyBlendKernels, EveryIsaMatchesScalar) {
       const std::size_t n = round < 101 ? round : rng() % 101;
       const std::size_t off = rng() % 32;
       const auto src = TurnBytes(n + 64, rng), alpha = TurnBytes(n + 64, rng),
-                 start = TurnBytes(n + 64, rng);
+                 start = TurnBytes(n + 64, rng), startSecond = TurnBytes(n + 64, rng);
+      // TRC pixels whose channels are turning bytes too.
+      const auto pixels = Random<u32>(n + 16, [&] {
+        return TurnByte(rng) << 24 | TurnByte(rng) << 16 | TurnByte(rng) << 8 | TurnByte(rng);
+      });
       ostrel::compositing::GreyBlend b;
       b.opacity = opacities[round % 5];
       b.density = TurnByte(rng);
       b.table = table.data();
-      auto want = start;
+      auto want = start, wantSecond = startSecond;
       ostrel::compositing::GreyRow row{want.data() + off, n};
       row.src = src.data() + off + 1;
-      row.alpha = alpha.data() + off + 2;
+      row.alpha = entry.alphaMayBeNull && round % 4 == 3 ? nullptr : alpha.data() + off + 2;
+      row.pixels = pixels.data() + off % 8 + 1;
+      row.second = wantSecond.data() + off + 3;
       entry.of(ostrel::compositing::GreyBlendKernelsScalar)(row, b);
       for (std::size_t t = 0; t < tables.size(); ++t) {
-        auto got = start;
+        auto got = start, gotSecond = startSecond;
         row.dst = got.data() + off;
+        row.second = gotSecond.data() + off + 3;
         entry.of (*tables[t])(row, b);
-        ASSERT_EQ(got, want) << (t == 0 ? "SSE2 " : "AVX2 ") << entry.name << ", " << n
-                             << " bytes at offset " << off << ", opacity " << b.opacity;
+        const auto where = [&] {
+          return std::string(t == 0 ? "SSE2 " : "AVX2 ") + entry.name + ", " + std::to_string(n) +
+                 " bytes at offset " + std::to_string(off) + ", opacity " +
+                 std::to_string(b.opacity) + (row.alpha == nullptr ? ", alpha null" : "");
+        };
+        ASSERT_EQ(got, want) << where();
+        ASSERT_EQ(gotSecond, wantSecond) << where() << " (second row)";
       }
     }
   }

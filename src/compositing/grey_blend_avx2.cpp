@@ -8,6 +8,7 @@
 OSTREL_BEGIN_AVX2
 #include "compositing/grey_blend_simd.inl"
 #include "compositing/simd_avx2.h"
+#include "compositing/simd_sse2.h"
 
 namespace ostrel {
 namespace compositing {
@@ -70,7 +71,8 @@ void LookupRowAvx2(const GreyRow &row, const GreyBlend &blend) {
 
 }  // namespace
 
-constexpr GreyBlendKernels GreyBlendKernelsAvx2 = MakeGreyBlendKernels<Avx2>(LookupRowAvx2);
+// Rows shorter than 32 bytes run the same kernels 16 bytes at a time.
+constexpr GreyBlendKernels GreyBlendKernelsAvx2 = MakeGreyBlendKernels<Avx2, Sse2>(LookupRowAvx2);
 
 }  // namespace compositing
 }  // namespace ostrel

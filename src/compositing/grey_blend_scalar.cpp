@@ -8,7 +8,6 @@ namespace compositing {
 namespace {
 
 using frame::blend::Channel;
-using frame::blend::ExactChannel;
 using frame::blend::ExactWeight;
 using frame::blend::Form;
 using frame::blend::Weight;
@@ -32,11 +31,16 @@ void DensityByInverse(const GreyRow &r, const GreyBlend &b) {
   }
 }
 
-template <bool twoLevel>
+// The coverage byte of pixel i; a null alpha row is full coverage.
+std::uint32_t Coverage(const GreyRow &r, std::size_t i) {
+  return r.alpha != nullptr ? r.alpha[i] : 255u;
+}
+
+template <Form form, bool twoLevel>
 void GreysByAlpha(const GreyRow &r, const GreyBlend &b) {
   for (std::size_t i = 0; i < r.n; ++i) {
     const auto v = static_cast<std::uint8_t>(
-        ExactChannel(r.dst[i], r.src[i], ExactWeight(r.alpha[i], b.opacity)));
+        Channel<form>(r.dst[i], r.src[i], Weight<form>(Coverage(r, i), b.opacity)));
     r.dst[i] = twoLevel && v != 0 ? 255 : v;
   }
 }
@@ -57,10 +61,14 @@ constexpr GreyBlendKernels MakeScalar() {
   return GreyBlendKernels{
       {DensityByAlpha<Form::kExact>, DensityByAlpha<Form::kFast>},
       {DensityByInverse<Form::kExact>, DensityByInverse<Form::kFast>},
-      GreysByAlpha<false>,
-      GreysByAlpha<true>,
+      {GreysByAlpha<Form::kExact, false>, GreysByAlpha<Form::kFast, false>},
+      GreysByAlpha<Form::kExact, true>,
+      {ExtremeBytesRow<Form::kExact, false>, ExtremeBytesRow<Form::kFast, false>},
+      {ExtremeBytesRow<Form::kExact, true>, ExtremeBytesRow<Form::kFast, true>},
       {ApplyAlpha<Form::kExact>, ApplyAlpha<Form::kFast>},
       LookupRow,
+      MoveInkRow,
+      SplitLuminanceRow,
   };
 }
 

@@ -7,7 +7,7 @@
 namespace ostrel {
 namespace compositing {
 
-constexpr GreyBlendKernels GreyBlendKernelsSse2 = MakeGreyBlendKernels<Sse2>(LookupRow);
+constexpr GreyBlendKernels GreyBlendKernelsSse2 = MakeGreyBlendKernels<Sse2, void>(LookupRow);
 
 }  // namespace compositing
 }  // namespace ostrel

@@ -152,7 +152,9 @@ void BlendGreysThroughAlpha(const frame::Plane<unsigned char> &src,
   GreyBlend blend;
   blend.opacity = opacity;
   const GreyBlendKernels &kernels = ActiveGreyBlendKernels();
-  const GreyRowKernel kernel = twoLevel ? kernels.greysByAlphaTwoLevel : kernels.greysByAlpha;
+  const GreyRowKernel kernel =
+      twoLevel ? kernels.greysByAlphaTwoLevel
+               : kernels.greysByAlpha[static_cast<int>(frame::blend::Form::kExact)];
   GreyRows(src, alpha, dst, regionWidth, regionHeight, function,
            [&](const unsigned char *s, const unsigned char *a, unsigned char *d, std::uint32_t n) {
              GreyRow row{d, n};

@@ -93,7 +93,8 @@ void MotionCopyL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned int 
                         unsigned int regionHeight, _EMotionCopyMode mode, bool /*exact*/) {
   const compositing::GreyBlendKernels &kernels = compositing::ActiveGreyBlendKernels();
   const compositing::GreyRowKernel kernel =
-      twoLevel ? kernels.greysByAlphaTwoLevel : kernels.greysByAlpha;
+      twoLevel ? kernels.greysByAlphaTwoLevel
+               : kernels.greysByAlpha[static_cast<int>(ostrel::frame::blend::Form::kExact)];
   compositing::GreyBlend blend;
   blend.opacity = opacity;
   compositing::MotionCopy(src, srcWidth, srcHeight, srcLeft, srcTop, alpha, alphaWidth, alphaHeight,

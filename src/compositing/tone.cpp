@@ -3,14 +3,21 @@
 // lighten, and the recolouring of a TRC buffer.
 //
 // Each member clips its region, checks its pointers in the checked build and
-// hands every row to one small row function below, in the form the call runs
-// (the fast form only where the member has one). The row functions hold the
-// per-pixel rules; they are the places where vector kernels can take over.
+// hands every row, in the form the call runs (the fast form only where the
+// member has one), to a row kernel of the active instruction set: the grey
+// blend kernels for grey destinations, the TRC blend kernels for colour ones,
+// the word blend kernels for 12-bit ones. The per-pixel rules are the small
+// row functions here (and, for the colour darken, lighten and recolouring,
+// the TRC family's scalar entries); rows the kernels cannot take (narrow
+// ones, and ones whose destination partly overlaps an input or a table) run
+// them directly, so every call keeps the pixel-order result.
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 #include "Ostrel.h"
+#include "compositing/grey_blend_kernels.h"
 #include "compositing/trc_blend.h"
 #include "compositing/word_blend_kernels.h"
 #include "frame/blend.h"
@@ -150,6 +157,132 @@ void ExtremeGreyRow(const P *s, const unsigned char *alpha, P *d, std::uint32_t 
   }
 }
 
+// ---- The grey members' rows through the grey kernels -------------------------
+// A kernel reads its inputs a step (or a stretch) ahead of its stores, so a
+// row runs one only where that gives the row function's pixel-order results:
+// each per-pixel input is the destination row itself or shares no memory with
+// it, and the tables share none. Rows narrower than kKernelFrom run the row
+// functions: below it a kernel's per-row cost outweighs what it saves.
+constexpr std::uint32_t kKernelFrom = 16;
+constexpr std::uint32_t kStretch = 1024;  // pixels of a scratch row on the stack
+
+// True when the n bytes from d share no memory with the m values from in
+// (null: none).
+template <class In>
+bool Apart(const unsigned char *d, std::uint32_t n, const In *in, std::size_t m) {
+  return in == nullptr || !frame::SharesMemory(d, n, in, m);
+}
+
+// True when the per-pixel input row in (null: none) may be read ahead of the
+// stores to d.
+bool ReadAhead(const unsigned char *d, std::uint32_t n, const unsigned char *in) {
+  return in == d || Apart(d, n, in, n);
+}
+
+GreyBlend OpacityBlend(std::uint32_t opacity, const unsigned char *table = nullptr) {
+  GreyBlend blend;
+  blend.opacity = opacity;
+  blend.table = table;
+  return blend;
+}
+
+// ToneRow on a row the kernels take: the source looked up a stretch at a time
+// into a scratch row (tone null: the source itself), then d moved toward it
+// by greysByAlpha at full coverage.
+template <Form form>
+void ToneStretches(const GreyBlendKernels &k, const unsigned char *s, unsigned char *d,
+                   std::uint32_t n, const unsigned char *tone, std::uint32_t opacity) {
+  const GreyBlend blend = OpacityBlend(opacity, tone);
+  const GreyRowKernel toward = k.greysByAlpha[static_cast<int>(form)];
+  std::uint8_t mapped[kStretch];
+  for (std::uint32_t i = 0; i < n; i += kStretch) {
+    GreyRow row{d + i, n - i < kStretch ? n - i : kStretch};
+    row.src = s + i;
+    if (tone != nullptr) {
+      std::memcpy(mapped, s + i, row.n);
+      k.lookup(GreyRow{mapped, row.n}, blend);
+      row.src = mapped;
+    }
+    toward(row, blend);
+  }
+}
+
+// The fast form through a tone table is cheap enough in the row function that
+// the scratch lookup pays only from about 48 pixels (measured).
+constexpr std::uint32_t kFastToneKernelFrom = 48;
+
+template <Form form>
+void ToneKernelRow(const GreyBlendKernels &k, const unsigned char *s, unsigned char *d,
+                   std::uint32_t n, const unsigned char *tone, std::uint32_t opacity) {
+  const std::uint32_t from =
+      form == Form::kFast && tone != nullptr ? kFastToneKernelFrom : kKernelFrom;
+  if (n < from || !ReadAhead(d, n, s) || !Apart(d, n, tone, 256)) {
+    ToneRow<form>(s, d, n, tone, opacity);
+  } else {
+    ToneStretches<form>(k, s, d, n, tone, opacity);
+  }
+}
+
+// LumaRow on a row the kernels take: luminance and alpha bytes split a
+// stretch at a time into scratch rows, the luminance looked up (tone null:
+// kept), then d moved toward it by greysByAlpha.
+template <Form form>
+void LumaStretches(const GreyBlendKernels &k, const unsigned int *s, unsigned char *d,
+                   std::uint32_t n, const unsigned char *tone, std::uint32_t opacity) {
+  const GreyBlend blend = OpacityBlend(opacity, tone);
+  const GreyRowKernel toward = k.greysByAlpha[static_cast<int>(form)];
+  std::uint8_t luma[kStretch], alpha[kStretch];
+  for (std::uint32_t i = 0; i < n; i += kStretch) {
+    GreyRow split{luma, n - i < kStretch ? n - i : kStretch};
+    split.pixels = s + i;
+    split.second = alpha;
+    k.splitLuminance(split, blend);
+    if (tone != nullptr) k.lookup(GreyRow{luma, split.n}, blend);
+    GreyRow row{d + i, split.n};
+    row.src = luma;
+    row.alpha = alpha;
+    toward(row, blend);
+  }
+}
+
+template <Form form>
+void LumaKernelRow(const GreyBlendKernels &k, const unsigned int *s, unsigned char *d,
+                   std::uint32_t n, const unsigned char *tone, std::uint32_t opacity) {
+  if (n < kKernelFrom || !Apart(d, n, s, n) || !Apart(d, n, tone, 256)) {
+    LumaRow<form>(s, d, n, tone, opacity);
+  } else {
+    LumaStretches<form>(k, s, d, n, tone, opacity);
+  }
+}
+
+template <Form form, bool lighter>
+void ExtremeKernelRow(const GreyBlendKernels &k, const unsigned char *s, const unsigned char *a,
+                      unsigned char *d, std::uint32_t n, std::uint32_t opacity) {
+  if (n < kKernelFrom || !ReadAhead(d, n, s) || !ReadAhead(d, n, a)) {
+    ExtremeGreyRow<form, lighter>(s, a, d, n, opacity);
+    return;
+  }
+  GreyRow row{d, n};
+  row.src = s;
+  row.alpha = a;
+  (lighter ? k.lighter : k.darker)[static_cast<int>(form)](row, OpacityBlend(opacity));
+}
+
+// MoveRow on a row the kernels take; it writes two rows, so the three rows
+// must lie apart.
+void MoveKernelRow(const GreyBlendKernels &k, unsigned char *s, const unsigned char *protect,
+                   unsigned char *d, std::uint32_t n, std::uint32_t opacity) {
+  if (n < kKernelFrom || !Apart(d, n, s, n) || !Apart(d, n, protect, n) ||
+      !Apart(s, n, protect, n)) {
+    MoveRow(s, protect, d, n, opacity);
+    return;
+  }
+  GreyRow row{d, n};
+  row.alpha = protect;
+  row.second = s;
+  k.moveInk(row, OpacityBlend(opacity));
+}
+
 // The blend of a darken, lighten or recolouring call: a null alpha row is
 // full coverage, the weight the ...ByWeight kernels take.
 template <Form form>
@@ -237,18 +370,21 @@ void WithAlphaRows(P *src, unsigned char *alpha, unsigned int srcWidth, unsigned
                 });
 }
 
-template <bool lighter, class P>
-void ExtremeGrey(P *src, unsigned char *alpha, unsigned int srcWidth, unsigned int srcHeight,
-                 unsigned int srcLeft, unsigned int srcTop, P *dst, unsigned int dstWidth,
-                 unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
-                 unsigned char opacity, unsigned int regionWidth, unsigned int regionHeight,
-                 bool exact, const char *function) {
+template <bool lighter>
+void ExtremeGrey(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
+                 unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
+                 unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
+                 unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
+                 unsigned int regionWidth, unsigned int regionHeight, bool exact,
+                 const char *function) {
+  const GreyBlendKernels &k = ActiveGreyBlendKernels();
   InForm(exact, [&](auto form) {
-    WithAlphaRows(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
-                  dstLeft, dstTop, regionWidth, regionHeight, function,
-                  [&](const P *s, const unsigned char *a, P *d, std::uint32_t n) {
-                    ExtremeGreyRow<decltype(form)::value, lighter>(s, a, d, n, opacity);
-                  });
+    WithAlphaRows(
+        src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
+        regionWidth, regionHeight, function,
+        [&](const unsigned char *s, const unsigned char *a, unsigned char *d, std::uint32_t n) {
+          ExtremeKernelRow<decltype(form)::value, lighter>(k, s, a, d, n, opacity);
+        });
   });
 }
 
@@ -314,6 +450,30 @@ bool RegionsShareMemory(const frame::Plane<unsigned char> &a, const frame::Plane
 #endif
 
 }  // namespace
+
+// The scalar entries of the grey kernels that the tone members run: their
+// row functions and the luminance above.
+template <Form form, bool lighter>
+void ExtremeBytesRow(const GreyRow &row, const GreyBlend &blend) {
+  ExtremeGreyRow<form, lighter>(row.src, row.alpha, row.dst, static_cast<std::uint32_t>(row.n),
+                                blend.opacity);
+}
+template void ExtremeBytesRow<Form::kExact, false>(const GreyRow &, const GreyBlend &);
+template void ExtremeBytesRow<Form::kFast, false>(const GreyRow &, const GreyBlend &);
+template void ExtremeBytesRow<Form::kExact, true>(const GreyRow &, const GreyBlend &);
+template void ExtremeBytesRow<Form::kFast, true>(const GreyRow &, const GreyBlend &);
+
+void MoveInkRow(const GreyRow &row, const GreyBlend &blend) {
+  MoveRow(row.second, row.alpha, row.dst, static_cast<std::uint32_t>(row.n), blend.opacity);
+}
+
+void SplitLuminanceRow(const GreyRow &row, const GreyBlend &) {
+  for (std::size_t i = 0; i < row.n; ++i) {
+    row.dst[i] = static_cast<std::uint8_t>(Luminance(row.pixels[i]));
+    row.second[i] = static_cast<std::uint8_t>(row.pixels[i] >> 24);
+  }
+}
+
 }  // namespace compositing
 }  // namespace ostrel
 
@@ -326,12 +486,13 @@ void TransferToneL08ToL08(unsigned char *src, unsigned int srcWidth, unsigned in
                           unsigned int dstTop, const unsigned char *tone, unsigned char opacity,
                           unsigned int regionWidth, unsigned int regionHeight, bool exact) {
   const char *const function = __func__;  // the lambda's own is operator()
+  const compositing::GreyBlendKernels &k = compositing::ActiveGreyBlendKernels();
   compositing::InForm(exact, [&](auto form) {
     compositing::TwoBufferRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
                                dstLeft, dstTop, regionWidth, regionHeight, function,
                                [&](const unsigned char *s, unsigned char *d, std::uint32_t n) {
-                                 compositing::ToneRow<decltype(form)::value>(s, d, n, tone,
-                                                                             opacity);
+                                 compositing::ToneKernelRow<decltype(form)::value>(k, s, d, n, tone,
+                                                                                   opacity);
                                });
   });
 }
@@ -360,9 +521,10 @@ void MoveToneL08ToL08Prot(unsigned char *src, unsigned int srcWidth, unsigned in
                 !compositing::RegionsShareMemory(s, d, e),
                 "a region that shares no memory with src's");
 #endif
+  const compositing::GreyBlendKernels &k = compositing::ActiveGreyBlendKernels();
   for (std::uint32_t j = 0; j < e.rows; ++j) {
-    compositing::MoveRow(s.Row(j), protect != nullptr ? p.Row(j) : nullptr, d.Row(j), e.columns,
-                         opacity);
+    compositing::MoveKernelRow(k, s.Row(j), protect != nullptr ? p.Row(j) : nullptr, d.Row(j),
+                               e.columns, opacity);
   }
 }
 
@@ -391,12 +553,13 @@ void TransferToneTRCToL08(unsigned int *src, unsigned int srcWidth, unsigned int
                           unsigned int dstTop, const unsigned char *tone, unsigned char opacity,
                           unsigned int regionWidth, unsigned int regionHeight, bool exact) {
   const char *const function = __func__;  // the lambda's own is operator()
+  const compositing::GreyBlendKernels &k = compositing::ActiveGreyBlendKernels();
   compositing::InForm(exact, [&](auto form) {
     compositing::TwoBufferRows(src, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
                                dstLeft, dstTop, regionWidth, regionHeight, function,
                                [&](const unsigned int *s, unsigned char *d, std::uint32_t n) {
-                                 compositing::LumaRow<decltype(form)::value>(s, d, n, tone,
-                                                                             opacity);
+                                 compositing::LumaKernelRow<decltype(form)::value>(k, s, d, n, tone,
+                                                                                   opacity);
                                });
   });
 }
