@@ -208,31 +208,31 @@ void SameUnderEveryIsa(std::initializer_list<Bytes> buffers, Call &&call) {
     const u8 *p = static_cast<const u8 *>(b.data);
     start.emplace_back(p, p + b.size);
   }
-  const int best = static_cast<int>(ostrel::frame::simd::SupportedIsa());
-  for (int isa = 0; isa <= best; ++isa) {
+  for (const auto &info : ostrel::frame::simd::RunnableIsas()) {
     std::size_t k = 0;
     for (const Bytes &b : buffers) {
       if (b.size != 0) std::memcpy(b.data, start[k].data(), b.size);
       ++k;
     }
-    ostrel::frame::simd::LimitIsaForTesting(static_cast<Isa>(isa));
-    call();
+    {
+      const ostrel::frame::simd::ScopedIsaLimit limit(info.isa);
+      call();
+    }
     k = 0;
     for (const Bytes &b : buffers) {
       const u8 *p = static_cast<const u8 *>(b.data);
-      if (isa == 0) {
+      if (info.isa == Isa::kScalar) {
         scalar.emplace_back(p, p + b.size);
       } else {
         const auto at = std::mismatch(p, p + b.size, scalar[k].data());
         FUZZ_CHECK(at.first == p + b.size,
-                   "instruction set %d differs from the scalar kernels: buffer %zu, byte %zu "
+                   "%s differs from the scalar kernels: buffer %zu, byte %zu "
                    "(0x%02x, scalar 0x%02x)",
-                   isa, k, static_cast<std::size_t>(at.first - p), *at.first, *at.second);
+                   info.name, k, static_cast<std::size_t>(at.first - p), *at.first, *at.second);
       }
       ++k;
     }
   }
-  ostrel::frame::simd::LimitIsaForTesting(static_cast<Isa>(best));
 }
 
 }  // namespace fuzz

@@ -9,6 +9,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "Ostrel.h"
@@ -116,20 +117,22 @@ template <class One>
 void CheckEveryIsa(One one) {
   long modelBad = 0, isaBad = 0;
   std::string first;
-  simd::LimitIsaForTesting(simd::Isa::kScalar);
+  const auto isas = simd::RunnableIsas();
   for (int seed = 1; seed <= 3000; ++seed) {
     std::string what;
     const auto model = one(seed, true, what);
-    decltype(model) scalar = one(seed, false, what);
-    if (scalar != model && modelBad++ == 0 && first.empty()) first = "scalar: " + what;
-    for (int isa = 1; isa <= static_cast<int>(simd::SupportedIsa()); ++isa) {
-      simd::LimitIsaForTesting(static_cast<simd::Isa>(isa));
-      if (one(seed, false, what) != scalar && isaBad++ == 0 && first.empty())
-        first = Str("isa", isa, ":", what);
-      simd::LimitIsaForTesting(simd::Isa::kScalar);
+    std::remove_const_t<decltype(model)> scalar;
+    for (const auto &info : isas) {
+      const simd::ScopedIsaLimit limit(info.isa);
+      const auto got = one(seed, false, what);
+      if (info.isa == simd::Isa::kScalar) {
+        scalar = got;
+        if (got != model && modelBad++ == 0 && first.empty()) first = "scalar: " + what;
+      } else if (got != scalar && isaBad++ == 0 && first.empty()) {
+        first = Str(info.name, ":", what);
+      }
     }
   }
-  simd::LimitIsaForTesting(simd::Isa::kAvx2);
   EXPECT_EQ(modelBad, 0) << "scalar differs from the model; first: " << first;
   EXPECT_EQ(isaBad, 0) << "vector kernels differ from scalar; first: " << first;
 }

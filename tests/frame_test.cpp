@@ -47,10 +47,31 @@ TEST(Dispatch, LimitIsClampedToWhatTheProcessorHas) {
 #elif !OSTREL_KERNELS_X86
   EXPECT_EQ(best, static_cast<int>(Isa::kScalar));  // no vector tables were built
 #endif
+  const simd::ScopedIsaLimit restore(simd::SupportedIsa());
   for (int limit : {0, 1, 2, 1, 0, 2}) {
     simd::LimitIsaForTesting(static_cast<Isa>(limit));
     EXPECT_EQ(static_cast<int>(simd::ActiveIsa()), std::min(limit, best)) << limit;
   }
+}
+
+TEST(Dispatch, ScopedLimitsNestAndRestore) {
+  const Isa before = simd::ActiveIsa();
+  {
+    const simd::ScopedIsaLimit outer(Isa::kScalar);
+    EXPECT_EQ(simd::ActiveIsa(), Isa::kScalar);
+    {
+      const simd::ScopedIsaLimit inner(Isa::kAvx2);
+      EXPECT_EQ(simd::ActiveIsa(), simd::SupportedIsa());
+    }
+    EXPECT_EQ(simd::ActiveIsa(), Isa::kScalar);
+  }
+  EXPECT_EQ(simd::ActiveIsa(), before);
+  // The runnable sets run from scalar up to the best one, each by its name.
+  const auto runnable = simd::RunnableIsas();
+  ASSERT_FALSE(runnable.empty());
+  EXPECT_STREQ(runnable.front().name, "scalar");
+  EXPECT_EQ(runnable.back().isa, simd::SupportedIsa());
+  EXPECT_STREQ(simd::IsaName(runnable.back().isa), runnable.back().name);
 }
 
 // (Code, line and bare names of backslashed paths are also checked through

@@ -34,16 +34,15 @@ class FastFlag {
 };
 
 // Runs body once under each instruction set the processor offers (scalar
-// kernels first), then restores the best.
+// kernels first), naming it in any failure, then restores the one active
+// before.
 template <class Body>
 void ForEachIsa(Body &&body) {
-  using ostrel::frame::simd::Isa;
-  for (int isa = 0; isa <= static_cast<int>(ostrel::frame::simd::SupportedIsa()); ++isa) {
-    SCOPED_TRACE("instruction set " + std::to_string(isa));
-    ostrel::frame::simd::LimitIsaForTesting(static_cast<Isa>(isa));
+  for (const auto &info : ostrel::frame::simd::RunnableIsas()) {
+    SCOPED_TRACE(info.name);
+    const ostrel::frame::simd::ScopedIsaLimit limit(info.isa);
     body();
   }
-  ostrel::frame::simd::LimitIsaForTesting(Isa::kAvx2);
 }
 
 // Exact form: d + ((s - d) * W) / 255 truncated toward zero.

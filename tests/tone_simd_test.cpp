@@ -67,14 +67,8 @@ std::string Describe(const Call &c) {
          std::to_string(c.rw) + "x" + std::to_string(c.rh);
 }
 
-// Restores the best instruction set, however the test ends.
-struct IsaRestore {
-  ~IsaRestore() { ostrel::frame::simd::LimitIsaForTesting(Isa::kAvx2); }
-};
-
 TEST(ToneKernels, EveryIsaMatchesScalarAndTheRowFunctions) {
   const FastFlag fast(1);
-  const IsaRestore restore;
   std::mt19937 rng(61);
   const auto tone = Random<u8>(256, [&] { return rng(); });
   const u8 opacities[] = {255, 0, 1, 128, 200};
@@ -109,15 +103,15 @@ TEST(ToneKernels, EveryIsaMatchesScalarAndTheRowFunctions) {
     Buffers byColumn = start;
     for (u32 column = 0; column < c.rw; ++column) RunColumns(c, byColumn, tone.data(), column, 1);
     Buffers scalar;
-    for (int isa = 0; isa <= static_cast<int>(ostrel::frame::simd::SupportedIsa()); ++isa) {
-      ostrel::frame::simd::LimitIsaForTesting(static_cast<Isa>(isa));
+    for (const auto &info : ostrel::frame::simd::RunnableIsas()) {
+      const ostrel::frame::simd::ScopedIsaLimit limit(info.isa);
       Buffers got = start;
       RunColumns(c, got, tone.data(), 0, c.rw);
-      if (isa == 0) {
+      if (info.isa == Isa::kScalar) {
         scalar = got;
         ASSERT_TRUE(got == byColumn) << "scalar kernels against the row functions: " << Describe(c);
       } else {
-        ASSERT_TRUE(got == scalar) << (isa == 1 ? "SSE2: " : "AVX2: ") << Describe(c);
+        ASSERT_TRUE(got == scalar) << info.name << ": " << Describe(c);
       }
     }
   }

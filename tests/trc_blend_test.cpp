@@ -269,11 +269,10 @@ Scene RandomScene(int m, unsigned seed) {
 // the first.
 template <class Make, class Extra>
 void CheckAgainstModel(int first, int last, unsigned count, Make make, Extra extra) {
-  static const char *const kIsas[] = {"scalar", "SSE2", "AVX2"};
   long bad = 0;
   std::string report;
-  for (int isa = 0; isa <= int(ostrel::frame::simd::SupportedIsa()); ++isa) {
-    ostrel::frame::simd::LimitIsaForTesting(ostrel::frame::simd::Isa(isa));
+  for (const auto &info : ostrel::frame::simd::RunnableIsas()) {
+    const ostrel::frame::simd::ScopedIsaLimit limit(info.isa);
     for (int m = first; m < last; ++m) {
       for (unsigned n = 0; n < count; ++n) {
         const Scene scene = make(m, n);
@@ -283,12 +282,11 @@ void CheckAgainstModel(int first, int last, unsigned count, Make make, Extra ext
           std::string wrong =
               lib.Buffers() != model.Buffers() ? "differs from the model" : extra(lib, n, mode);
           if (!wrong.empty() && bad++ == 0)
-            report = std::string(kIsas[isa]) + ", " + lib.Describe(mode) + ": " + wrong;
+            report = std::string(info.name) + ", " + lib.Describe(mode) + ": " + wrong;
         }
       }
     }
   }
-  ostrel::frame::simd::LimitIsaForTesting(ostrel::frame::simd::Isa::kAvx2);
   EXPECT_EQ(bad, 0) << "first: " << report;
 }
 

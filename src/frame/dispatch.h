@@ -13,11 +13,13 @@
 // OSTREL_KERNEL_FAMILY, and defining the three tables; no plumbing is copied.
 //
 // The instruction set is chosen once, when the library is loaded. Tests can
-// lower it (LimitIsaForTesting) to run the same calls through every table.
+// lower it (ScopedIsaLimit, over RunnableIsas()) to run the same calls
+// through every table; kIsas names each set.
 #ifndef OSTREL_FRAME_DISPATCH_H
 #define OSTREL_FRAME_DISPATCH_H
 
 #include <atomic>
+#include <vector>
 
 #if defined(__x86_64__) || defined(__i386__) || defined(_M_X64) || defined(_M_IX86)
 #define OSTREL_X86 1
@@ -81,6 +83,45 @@ inline Isa ActiveIsa() { return static_cast<Isa>(g_activeIsa.load(std::memory_or
 // Runs the kernels with at most `limit` (never more than SupportedIsa()).
 // For tests; not exported.
 void LimitIsaForTesting(Isa limit);
+
+// The instruction sets, lowest first, with the names that tests, fuzzers and
+// benchmarks print.
+struct IsaInfo {
+  Isa isa;
+  const char *name;
+};
+inline constexpr IsaInfo kIsas[] = {
+    {Isa::kScalar, "scalar"}, {Isa::kSse2, "SSE2"}, {Isa::kAvx2, "AVX2"}};
+
+inline const char *IsaName(Isa isa) {
+  for (const IsaInfo &info : kIsas) {
+    if (info.isa == isa) return info.name;
+  }
+  return "unknown";
+}
+
+// The instruction sets this processor runs (and the build has kernels for),
+// scalar first.
+inline std::vector<IsaInfo> RunnableIsas() {
+  std::vector<IsaInfo> runnable;
+  for (const IsaInfo &info : kIsas) {
+    if (static_cast<int>(info.isa) <= static_cast<int>(SupportedIsa())) runnable.push_back(info);
+  }
+  return runnable;
+}
+
+// Runs the kernels with at most `limit` while it lives, then restores the
+// instruction set that was active before. For tests.
+class ScopedIsaLimit {
+ public:
+  explicit ScopedIsaLimit(Isa limit) : saved_(ActiveIsa()) { LimitIsaForTesting(limit); }
+  ~ScopedIsaLimit() { LimitIsaForTesting(saved_); }
+  ScopedIsaLimit(const ScopedIsaLimit &) = delete;
+  ScopedIsaLimit &operator=(const ScopedIsaLimit &) = delete;
+
+ private:
+  Isa saved_;
+};
 
 template <class Table>
 const Table &Pick(const Table &scalar, const Table *sse2, const Table *avx2) {
