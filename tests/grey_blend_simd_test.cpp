@@ -10,6 +10,7 @@
 #include "compositing/grey_blend_kernels.h"
 #include "frame/dispatch.h"
 #include "grey_test_util.h"
+#include "kernel_tables.h"
 
 namespace {
 
@@ -46,11 +47,8 @@ const Entry kEntries[] = {ENTRY(densityByAlpha[0], false),
 #undef ENTRY
 
 TEST(GreyBlendKernels, EveryIsaMatchesScalar) {
-#if OSTREL_KERNELS_X86
-  std::vector<const GreyBlendKernels *> tables = {&ostrel::compositing::GreyBlendKernelsSse2};
-  if (ostrel::frame::simd::SupportedIsa() == Isa::kAvx2) {
-    tables.push_back(&ostrel::compositing::GreyBlendKernelsAvx2);
-  }
+  const auto tables = VectorTablesOf(ostrel::compositing::GreyBlendKernelsByIsa);
+  if (tables.empty()) GTEST_SKIP() << "no vector kernels on this processor";
   std::mt19937 rng(23);
   std::vector<u8> table(256);
   for (auto &t : table) t = u8(rng());
@@ -80,9 +78,9 @@ TEST(GreyBlendKernels, EveryIsaMatchesScalar) {
         auto got = start, gotSecond = startSecond;
         row.dst = got.data() + off;
         row.second = gotSecond.data() + off + 3;
-        entry.of (*tables[t])(row, b);
+        entry.of (*tables[t].second)(row, b);
         const auto where = [&] {
-          return std::string(t == 0 ? "SSE2 " : "AVX2 ") + entry.name + ", " + std::to_string(n) +
+          return std::string(tables[t].first) + " " + entry.name + ", " + std::to_string(n) +
                  " bytes at offset " + std::to_string(off) + ", opacity " +
                  std::to_string(b.opacity) + (row.alpha == nullptr ? ", alpha null" : "");
         };
@@ -91,20 +89,14 @@ TEST(GreyBlendKernels, EveryIsaMatchesScalar) {
       }
     }
   }
-#else
-  GTEST_SKIP() << "no vector kernels on this processor";
-#endif
 }
 
 // The lookup on rows of every length up to 80 (the vector form starts
 // partway), each with its own table, in buffers that end where the row ends;
 // and on rows that hold the table, which the scalar loop changes as it reads.
 TEST(GreyBlendKernels, LookupEveryLengthMatchesScalar) {
-#if OSTREL_KERNELS_X86
-  std::vector<const GreyBlendKernels *> tables = {&ostrel::compositing::GreyBlendKernelsSse2};
-  if (ostrel::frame::simd::SupportedIsa() == Isa::kAvx2) {
-    tables.push_back(&ostrel::compositing::GreyBlendKernelsAvx2);
-  }
+  const auto tables = VectorTablesOf(ostrel::compositing::GreyBlendKernelsByIsa);
+  if (tables.empty()) GTEST_SKIP() << "no vector kernels on this processor";
   std::mt19937 rng(37);
   for (std::size_t n = 0; n <= 80; ++n) {
     for (int round = 0; round < 4; ++round) {
@@ -118,8 +110,8 @@ TEST(GreyBlendKernels, LookupEveryLengthMatchesScalar) {
           ostrel::compositing::GreyRow{want.data() + off, n}, b);
       for (std::size_t t = 0; t < tables.size(); ++t) {
         auto got = start;
-        tables[t]->lookup(ostrel::compositing::GreyRow{got.data() + off, n}, b);
-        ASSERT_EQ(got, want) << (t == 0 ? "SSE2, " : "AVX2, ") << n << " bytes at offset " << off;
+        tables[t].second->lookup(ostrel::compositing::GreyRow{got.data() + off, n}, b);
+        ASSERT_EQ(got, want) << tables[t].first << ", " << n << " bytes at offset " << off;
       }
     }
   }
@@ -134,12 +126,9 @@ TEST(GreyBlendKernels, LookupEveryLengthMatchesScalar) {
     };
     const auto want = run(ostrel::compositing::GreyBlendKernelsScalar);
     for (std::size_t t = 0; t < tables.size(); ++t) {
-      ASSERT_EQ(run(*tables[t]), want) << (t == 0 ? "SSE2" : "AVX2") << ", table at " << at;
+      ASSERT_EQ(run(*tables[t].second), want) << tables[t].first << ", table at " << at;
     }
   }
-#else
-  GTEST_SKIP() << "no vector kernels on this processor";
-#endif
 }
 
 }  // namespace

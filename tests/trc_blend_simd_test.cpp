@@ -13,6 +13,7 @@
 #include "frame/blend.h"
 #include "frame/dispatch.h"
 #include "grey_test_util.h"
+#include "kernel_tables.h"
 
 namespace {
 
@@ -62,13 +63,7 @@ u32 Near(u32 c, int tolerance, std::mt19937 &r) {
 }
 
 TEST(TrcBlendKernels, ToneEntriesOfEveryIsaMatchScalar) {
-  std::vector<std::pair<const char *, const TrcBlendKernels *>> tables;
-#if OSTREL_KERNELS_X86
-  tables.emplace_back("SSE2", &ostrel::compositing::TrcBlendKernelsSse2);
-  if (ostrel::frame::simd::SupportedIsa() == ostrel::frame::simd::Isa::kAvx2) {
-    tables.emplace_back("AVX2", &ostrel::compositing::TrcBlendKernelsAvx2);
-  }
-#endif
+  const auto tables = VectorTablesOf(ostrel::compositing::TrcBlendKernelsByIsa);
   if (tables.empty()) GTEST_SKIP() << "no vector kernels on this processor";
   std::mt19937 rng(37);
   const auto scalar = ToneEntries(ostrel::compositing::TrcBlendKernelsScalar);

@@ -10,6 +10,7 @@
 #include "compositing/word_blend_kernels.h"
 #include "frame/dispatch.h"
 #include "grey_test_util.h"
+#include "kernel_tables.h"
 
 namespace {
 
@@ -27,12 +28,9 @@ struct Table {
 
 std::vector<Table> VectorTables() {
   std::vector<Table> tables;
-#if OSTREL_KERNELS_X86
-  tables.push_back({"SSE2", &ostrel::compositing::WordBlendKernelsSse2});
-  if (ostrel::frame::simd::SupportedIsa() == Isa::kAvx2) {
-    tables.push_back({"AVX2", &ostrel::compositing::WordBlendKernelsAvx2});
+  for (const auto &t : VectorTablesOf(ostrel::compositing::WordBlendKernelsByIsa)) {
+    tables.push_back({t.first, t.second});
   }
-#endif
   return tables;
 }
 

@@ -10,6 +10,7 @@
 #include "compositing/word_map_kernels.h"
 #include "frame/dispatch.h"
 #include "grey_test_util.h"
+#include "kernel_tables.h"
 
 namespace {
 
@@ -24,14 +25,7 @@ using Table = std::pair<const char *, const WordMapKernels *>;
 
 // The vector tables the processor runs.
 std::vector<Table> VectorTables() {
-  std::vector<Table> tables;
-#if OSTREL_KERNELS_X86
-  tables.emplace_back("SSE2", &ostrel::compositing::WordMapKernelsSse2);
-  if (ostrel::frame::simd::SupportedIsa() == Isa::kAvx2) {
-    tables.emplace_back("AVX2", &ostrel::compositing::WordMapKernelsAvx2);
-  }
-#endif
-  return tables;
+  return VectorTablesOf(ostrel::compositing::WordMapKernelsByIsa);
 }
 
 // A word that is often one where a map turns.

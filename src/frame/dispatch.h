@@ -1,16 +1,19 @@
 // The one dispatch point of the vector kernels.
 //
 // A compositing family keeps its inner loops in a table of row kernels (plain
-// function pointers), with one table per instruction set:
+// function pointers), with one table per instruction set of kIsas:
 //
 //   <Family>Scalar   portable C++, the reference the others must match
 //   <Family>Sse2     SSE2, the x86 baseline
 //   <Family>Avx2     AVX2, used when the processor has it
 //
-// The exported function clips its region, then asks Active<Family>() for the
-// table of the running processor and calls its kernels row by row. Adding a
-// family means writing its table type, declaring it with
-// OSTREL_KERNEL_FAMILY, and defining the three tables; no plumbing is copied.
+// OSTREL_KERNEL_FAMILY gathers them, in kIsas order, into <Family>ByIsa (null
+// where the build compiles no table for a set). The exported function clips
+// its region, then asks Active<Family>() for the table of the running
+// processor (a set without a table falls back to the next lower one, and
+// finally to scalar) and calls its kernels row by row. Adding a family means
+// writing its table type, declaring it with OSTREL_KERNEL_FAMILY, and
+// defining its tables; no plumbing is copied.
 //
 // The instruction set is chosen once, when the library is loaded. Tests can
 // lower it (ScopedIsaLimit, over RunnableIsas()) to run the same calls
@@ -123,38 +126,50 @@ class ScopedIsaLimit {
   Isa saved_;
 };
 
+constexpr int kIsaCount = sizeof(kIsas) / sizeof(kIsas[0]);
+
+// A family's tables, one per instruction set in kIsas order; null where the
+// build has none for that set (the scalar table always exists).
 template <class Table>
-const Table &Pick(const Table &scalar, const Table *sse2, const Table *avx2) {
-  switch (ActiveIsa()) {
-    case Isa::kAvx2:
-      if (avx2 != nullptr) return *avx2;
-      [[fallthrough]];
-    case Isa::kSse2:
-      if (sse2 != nullptr) return *sse2;
-      [[fallthrough]];
-    default: return scalar;
+using Tables = const Table *const[kIsaCount];
+
+// The table of the highest instruction set, up to the active one, that the
+// family has: a set without a table falls back to the one below it, and
+// finally to scalar.
+template <class Table>
+const Table &Pick(Tables<Table> &tables) {
+  for (int level = static_cast<int>(ActiveIsa()); level > 0; --level) {
+    if (tables[level] != nullptr) return *tables[level];
   }
+  return *tables[0];
 }
 
 }  // namespace simd
 }  // namespace frame
 }  // namespace ostrel
 
-// Declares the three tables of a kernel family and Active<Table>().
+// The vector tables a family may have, in kIsas order after the scalar one,
+// as the build compiles them (OSTREL_KERNELS_X86).
 #if OSTREL_KERNELS_X86
-#define OSTREL_KERNEL_FAMILY(Table)                                                       \
-  extern const Table Table##Scalar;                                                       \
-  extern const Table Table##Sse2;                                                         \
-  extern const Table Table##Avx2;                                                         \
-  inline const Table &Active##Table() {                                                   \
-    return ::ostrel::frame::simd::Pick<Table>(Table##Scalar, &Table##Sse2, &Table##Avx2); \
-  }
+#define OSTREL_VECTOR_TABLES(Table) &Table##Sse2, &Table##Avx2
+#define OSTREL_DECLARE_VECTOR_TABLES(Table) \
+  extern const Table Table##Sse2;           \
+  extern const Table Table##Avx2;
 #else
-#define OSTREL_KERNEL_FAMILY(Table)                                             \
-  extern const Table Table##Scalar;                                             \
-  inline const Table &Active##Table() {                                         \
-    return ::ostrel::frame::simd::Pick<Table>(Table##Scalar, nullptr, nullptr); \
-  }
+#define OSTREL_VECTOR_TABLES(Table) nullptr, nullptr
+#define OSTREL_DECLARE_VECTOR_TABLES(Table)
 #endif
+
+// Declares the tables of a kernel family, Table##ForIsa (a set's table, or
+// null) and Active##Table() (the table the kernels run with).
+#define OSTREL_KERNEL_FAMILY(Table)                                                               \
+  extern const Table Table##Scalar;                                                               \
+  OSTREL_DECLARE_VECTOR_TABLES(Table)                                                             \
+  inline const ::ostrel::frame::simd::Tables<Table> Table##ByIsa = {&Table##Scalar,               \
+                                                                    OSTREL_VECTOR_TABLES(Table)}; \
+  inline const Table *Table##ForIsa(::ostrel::frame::simd::Isa isa) {                             \
+    return Table##ByIsa[static_cast<int>(isa)];                                                   \
+  }                                                                                               \
+  inline const Table &Active##Table() { return ::ostrel::frame::simd::Pick(Table##ByIsa); }
 
 #endif  // OSTREL_FRAME_DISPATCH_H
