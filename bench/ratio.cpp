@@ -14,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+#include "frame/dispatch.h"
+
 namespace ostrel_bench {
 namespace {
 
@@ -190,7 +192,8 @@ void PrintRatioTable(const CollectingReporter &collected, std::ostream &out) {
     table << line;
   }
   if (lines == 0) return;
-  out << "\nRatio table: throughput of ours / throughput of the peer on the same job\n"
+  out << "\nRatio table: throughput of ours / throughput of the peer on the same job ("
+      << ostrel::frame::simd::IsaName(ostrel::frame::simd::SupportedIsa()) << " kernels)\n"
       << table.str() << std::flush;
 }
 
