@@ -216,33 +216,4 @@ TEST(ObjectsOutline, FailuresAreRaisedAndTemporariesGoBack) {
   EXPECT_EQ(mine, &manager);
 }
 
-TEST(ObjectsOutline, StandInPolygonKeepsFigures) {
-  PolygonHolder polygon;
-  ICoordPolygon *p = polygon.p;
-  EXPECT_EQ(p->CloseFigure(), kVornelOk);  // no figure yet: nothing to close
-  p->AddXY(1, 2);
-  p->AddXY(3, 4);
-  p->CloseFigure();
-  p->CloseFigure();
-  p->AddXY(5, 6);
-  long count = 0, first = 0, n = 0;
-  EXPECT_EQ(p->GetFigureCount(&count), kVornelOk);
-  EXPECT_EQ(count, 2);
-  EXPECT_EQ(p->GetFigure(1, &first, &n), kVornelOk);
-  EXPECT_EQ(first, 2);
-  EXPECT_EQ(n, 1);
-  EXPECT_EQ(p->GetPointCount(&count), kVornelOk);
-  EXPECT_EQ(count, 3);
-  double x = 0, y = 0;
-  EXPECT_EQ(p->GetXY(2, &x, &y), kVornelOk);
-  EXPECT_EQ(x, 5);
-  EXPECT_EQ(y, 6);
-  EXPECT_LT(p->GetXY(3, &x, &y), 0);
-  EXPECT_LT(p->GetFigure(-1, &first, &n), 0);
-  EXPECT_LT(p->GetFigureCount(nullptr), 0);
-  EXPECT_EQ(p->RemoveAll(), kVornelOk);
-  EXPECT_EQ(p->GetFigureCount(&count), kVornelOk);
-  EXPECT_EQ(count, 0);
-}
-
 }  // namespace
