@@ -52,8 +52,8 @@ void MotionCopy(P *src, unsigned int srcWidth, unsigned int srcHeight, unsigned 
     const unsigned char *cover = a.Row(j);
     P *out = d.Row(j);
     if constexpr (!std::is_same<std::decay_t<RowFn>, std::nullptr_t>::value) {
-      if ((out == in || !frame::SharesMemory(out, e.columns, in, e.columns)) &&
-          !frame::SharesMemory(out, e.columns, cover, e.columns)) {
+      if (frame::ReadableAhead(out, e.columns, in) &&
+          frame::Disjoint(out, e.columns, cover, e.columns)) {
         rowKernel(out, in, cover, e.columns);
         continue;
       }

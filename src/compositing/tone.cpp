@@ -28,6 +28,8 @@ namespace ostrel {
 namespace compositing {
 namespace {
 
+using frame::Disjoint;
+using frame::ReadableAhead;
 using frame::blend::Form;
 
 template <Form form>
@@ -105,8 +107,8 @@ template <Form form>
 void RampRowByKernel(const unsigned char *s, unsigned int *d, std::uint32_t n,
                      const unsigned int *palette, const TrcBlendKernels &kernels,
                      const TrcBlend &blend) {
-  if (&kernels == &TrcBlendKernelsScalar || frame::SharesMemory(d, n, s, n) ||
-      frame::SharesMemory(d, n, palette, 256)) {
+  if (&kernels == &TrcBlendKernelsScalar || !Disjoint(d, n, s, n) ||
+      !Disjoint(d, n, palette, 256)) {
     RampRow<form>(s, d, n, palette, blend.opacity);
     return;
   }
@@ -166,19 +168,6 @@ void ExtremeGreyRow(const P *s, const unsigned char *alpha, P *d, std::uint32_t 
 constexpr std::uint32_t kKernelFrom = 16;
 constexpr std::uint32_t kStretch = 1024;  // pixels of a scratch row on the stack
 
-// True when the n bytes from d share no memory with the m values from in
-// (null: none).
-template <class In>
-bool Apart(const unsigned char *d, std::uint32_t n, const In *in, std::size_t m) {
-  return in == nullptr || !frame::SharesMemory(d, n, in, m);
-}
-
-// True when the per-pixel input row in (null: none) may be read ahead of the
-// stores to d.
-bool ReadAhead(const unsigned char *d, std::uint32_t n, const unsigned char *in) {
-  return in == d || Apart(d, n, in, n);
-}
-
 GreyBlend OpacityBlend(std::uint32_t opacity, const unsigned char *table = nullptr) {
   GreyBlend blend;
   blend.opacity = opacity;
@@ -216,7 +205,7 @@ void ToneKernelRow(const GreyBlendKernels &k, const unsigned char *s, unsigned c
                    std::uint32_t n, const unsigned char *tone, std::uint32_t opacity) {
   const std::uint32_t from =
       form == Form::kFast && tone != nullptr ? kFastToneKernelFrom : kKernelFrom;
-  if (n < from || !ReadAhead(d, n, s) || !Apart(d, n, tone, 256)) {
+  if (n < from || !ReadableAhead(d, n, s) || !Disjoint(d, n, tone, 256)) {
     ToneRow<form>(s, d, n, tone, opacity);
   } else {
     ToneStretches<form>(k, s, d, n, tone, opacity);
@@ -248,7 +237,7 @@ void LumaStretches(const GreyBlendKernels &k, const unsigned int *s, unsigned ch
 template <Form form>
 void LumaKernelRow(const GreyBlendKernels &k, const unsigned int *s, unsigned char *d,
                    std::uint32_t n, const unsigned char *tone, std::uint32_t opacity) {
-  if (n < kKernelFrom || !Apart(d, n, s, n) || !Apart(d, n, tone, 256)) {
+  if (n < kKernelFrom || !Disjoint(d, n, s, n) || !Disjoint(d, n, tone, 256)) {
     LumaRow<form>(s, d, n, tone, opacity);
   } else {
     LumaStretches<form>(k, s, d, n, tone, opacity);
@@ -258,7 +247,7 @@ void LumaKernelRow(const GreyBlendKernels &k, const unsigned int *s, unsigned ch
 template <Form form, bool lighter>
 void ExtremeKernelRow(const GreyBlendKernels &k, const unsigned char *s, const unsigned char *a,
                       unsigned char *d, std::uint32_t n, std::uint32_t opacity) {
-  if (n < kKernelFrom || !ReadAhead(d, n, s) || !ReadAhead(d, n, a)) {
+  if (n < kKernelFrom || !ReadableAhead(d, n, s) || !ReadableAhead(d, n, a)) {
     ExtremeGreyRow<form, lighter>(s, a, d, n, opacity);
     return;
   }
@@ -272,8 +261,8 @@ void ExtremeKernelRow(const GreyBlendKernels &k, const unsigned char *s, const u
 // must lie apart.
 void MoveKernelRow(const GreyBlendKernels &k, unsigned char *s, const unsigned char *protect,
                    unsigned char *d, std::uint32_t n, std::uint32_t opacity) {
-  if (n < kKernelFrom || !Apart(d, n, s, n) || !Apart(d, n, protect, n) ||
-      !Apart(s, n, protect, n)) {
+  if (n < kKernelFrom || !Disjoint(d, n, s, n) || !Disjoint(d, n, protect, n) ||
+      !Disjoint(s, n, protect, n)) {
     MoveRow(s, protect, d, n, opacity);
     return;
   }

@@ -220,11 +220,10 @@ const TrcBlendKernels &TrcKernelsForRow(const TrcRow &row) {
   // Below this many pixels a row is all tail for the vector kernels, whose
   // copy in and out costs more than the scalar loop.
   constexpr std::size_t kVectorRow = 6;
-  const auto shares = [&](const auto *p) {
-    return p != nullptr && frame::SharesMemory(row.dst, row.n, p, row.n);
-  };
-  if (row.n < kVectorRow || (row.pixels != row.dst && shares(row.pixels)) || shares(row.bytes) ||
-      shares(row.greys) || shares(row.words)) {
+  const std::size_t n = row.n;
+  if (n < kVectorRow || !frame::ReadableAhead(row.dst, n, row.pixels) ||
+      !frame::Disjoint(row.dst, n, row.bytes, n) || !frame::Disjoint(row.dst, n, row.greys, n) ||
+      !frame::Disjoint(row.dst, n, row.words, n)) {
     return TrcBlendKernelsScalar;
   }
   return ActiveTrcBlendKernels();

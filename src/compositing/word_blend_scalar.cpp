@@ -85,8 +85,8 @@ const WordBlendKernels WordBlendKernelsScalar = MakeScalar();
 
 const WordBlendKernels &WordKernelsForRow(const WordRow &row) {
   const std::size_t written = row.n + (row.nextWord ? 1 : 0);
-  if ((row.src != nullptr && frame::SharesMemory(row.dst, written, row.src, row.n)) ||
-      (row.alpha != nullptr && frame::SharesMemory(row.dst, written, row.alpha, row.n))) {
+  if (!frame::Disjoint(row.dst, written, row.src, row.n) ||
+      !frame::Disjoint(row.dst, written, row.alpha, row.n)) {
     return WordBlendKernelsScalar;
   }
   return ActiveWordBlendKernels();

@@ -73,6 +73,22 @@ bool SharesMemory(const A *a, std::size_t n, const B *b, std::size_t m) {
   return a0 < b0 + m * sizeof(B) && b0 < a0 + n * sizeof(A);
 }
 
+// The row kernels read their inputs a step (or a stretch) ahead of their
+// stores, which gives the pixel-order result only where the stores cannot
+// change what is still to be read. Disjoint: the n elements from out share no
+// memory with the m elements from in (null: no input).
+template <class Out, class In>
+bool Disjoint(const Out *out, std::size_t n, const In *in, std::size_t m) {
+  return in == nullptr || !SharesMemory(out, n, in, m);
+}
+
+// ReadableAhead: a per-pixel input row of n elements that is the output row
+// itself (each element read before it is written) or lies apart from it.
+template <class Out, class In>
+bool ReadableAhead(const Out *out, std::size_t n, const In *in) {
+  return static_cast<const void *>(in) == static_cast<const void *>(out) || Disjoint(out, n, in, n);
+}
+
 inline std::uint32_t MinU32(std::uint32_t a, std::uint32_t b) { return a < b ? a : b; }
 
 // The part of `size` units from `start` that lies before `end`: min(end,
