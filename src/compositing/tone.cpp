@@ -359,63 +359,49 @@ void WithAlphaRows(P *src, unsigned char *alpha, unsigned int srcWidth, unsigned
                 });
 }
 
-template <bool lighter>
-void ExtremeGrey(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
-                 unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
-                 unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
-                 unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
-                 unsigned int regionWidth, unsigned int regionHeight, bool exact,
-                 const char *function) {
-  const GreyBlendKernels &k = ActiveGreyBlendKernels();
-  InForm(exact, [&](auto form) {
-    WithAlphaRows(
-        src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-        regionWidth, regionHeight, function,
-        [&](const unsigned char *s, const unsigned char *a, unsigned char *d, std::uint32_t n) {
-          ExtremeKernelRow<decltype(form)::value, lighter>(k, s, a, d, n, opacity);
-        });
-  });
+// One row of a darken or lighten, in form F, for each pixel type: bytes and
+// TRC pixels through their families' extreme entries, 12-bit words (exact
+// form only) through WordBlendKernels::towardExtreme. A null alpha row is
+// full coverage; for words its exact weight (255 * o) / 255 is the opacity.
+template <Form form, bool lighter>
+void ExtremeRow(const unsigned char *s, const unsigned char *a, unsigned char *d, std::uint32_t n,
+                std::uint32_t opacity) {
+  ExtremeKernelRow<form, lighter>(ActiveGreyBlendKernels(), s, a, d, n, opacity);
 }
 
-template <bool lighter>
-void ExtremeTrc(unsigned int *src, unsigned char *alpha, unsigned int srcWidth,
-                unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
-                unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
-                unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
-                unsigned int regionWidth, unsigned int regionHeight, bool exact,
-                const char *function) {
-  InForm(exact, [&](auto form) {
-    const TrcBlend blend = CoverBlend<decltype(form)::value>(opacity);
-    WithAlphaRows(
-        src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-        regionWidth, regionHeight, function,
-        [&](const unsigned int *s, const unsigned char *a, unsigned int *d, std::uint32_t n) {
-          ExtremeTrcRow<decltype(form)::value, lighter>(s, a, d, n, blend);
-        });
-  });
+template <Form form, bool lighter>
+void ExtremeRow(const unsigned int *s, const unsigned char *a, unsigned int *d, std::uint32_t n,
+                std::uint32_t opacity) {
+  ExtremeTrcRow<form, lighter>(s, a, d, n, CoverBlend<form>(opacity));
 }
 
-// The 12-bit darken and lighten: whole words, the exact form only
-// (WordBlendKernels::towardExtreme). A null alpha row is full coverage, whose
-// exact weight (255 * o) / 255 is the opacity itself.
-template <bool lighter>
-void ExtremeWords(unsigned short *src, unsigned char *alpha, unsigned int srcWidth,
-                  unsigned int srcHeight, unsigned int srcLeft, unsigned int srcTop,
-                  unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
-                  unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
-                  unsigned int regionWidth, unsigned int regionHeight, const char *function) {
+template <Form, bool lighter>
+void ExtremeRow(const unsigned short *s, const unsigned char *a, unsigned short *d, std::uint32_t n,
+                std::uint32_t opacity) {
   WordBlend blend;
   blend.opacity = opacity;
-  WithAlphaRows(
-      src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight, dstLeft, dstTop,
-      regionWidth, regionHeight, function,
-      [&](const unsigned short *s, const unsigned char *a, unsigned short *d, std::uint32_t n) {
-        WordRow row{d, n};
-        row.src = s;
-        row.alpha = a;
-        WordKernelsForRow(row).towardExtreme[a != nullptr ? kWordByAlpha : kWordByOpacity][lighter](
-            row, blend);
-      });
+  WordRow row{d, n};
+  row.src = s;
+  row.alpha = a;
+  WordKernelsForRow(row).towardExtreme[a != nullptr ? kWordByAlpha : kWordByOpacity][lighter](
+      row, blend);
+}
+
+// The darken and lighten members: d toward the extreme of s and d, per
+// channel, through the alpha buffer that shares the source's geometry.
+template <bool lighter, class P>
+void Extreme(P *src, unsigned char *alpha, unsigned int srcWidth, unsigned int srcHeight,
+             unsigned int srcLeft, unsigned int srcTop, P *dst, unsigned int dstWidth,
+             unsigned int dstHeight, unsigned int dstLeft, unsigned int dstTop,
+             unsigned char opacity, unsigned int regionWidth, unsigned int regionHeight, bool exact,
+             const char *function) {
+  InForm(exact, [&](auto form) {
+    WithAlphaRows(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth, dstHeight,
+                  dstLeft, dstTop, regionWidth, regionHeight, function,
+                  [&](const P *s, const unsigned char *a, P *d, std::uint32_t n) {
+                    ExtremeRow<decltype(form)::value, lighter>(s, a, d, n, opacity);
+                  });
+  });
 }
 
 #if OSTREL_CHECKED
@@ -558,9 +544,9 @@ void DarkerL08ToL08WithAlpha(unsigned char *src, unsigned char *alpha, unsigned 
                              unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
                              unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                              unsigned int regionWidth, unsigned int regionHeight, bool exact) {
-  compositing::ExtremeGrey<false>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                                  dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
-                                  exact, __func__);
+  compositing::Extreme<false>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                              dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight, exact,
+                              __func__);
 }
 
 void LighterL08ToL08WithAlpha(unsigned char *src, unsigned char *alpha, unsigned int srcWidth,
@@ -568,9 +554,9 @@ void LighterL08ToL08WithAlpha(unsigned char *src, unsigned char *alpha, unsigned
                               unsigned char *dst, unsigned int dstWidth, unsigned int dstHeight,
                               unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                               unsigned int regionWidth, unsigned int regionHeight, bool exact) {
-  compositing::ExtremeGrey<true>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                                 dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
-                                 exact, __func__);
+  compositing::Extreme<true>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                             dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight, exact,
+                             __func__);
 }
 
 // The 12-bit members run the exact form whatever `exact` says.
@@ -579,9 +565,9 @@ void DarkerL12ToL12WithAlpha(unsigned short *src, unsigned char *alpha, unsigned
                              unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
                              unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                              unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
-  compositing::ExtremeWords<false>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                                   dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
-                                   __func__);
+  compositing::Extreme<false>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                              dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight, true,
+                              __func__);
 }
 
 void LighterL12ToL12WithAlpha(unsigned short *src, unsigned char *alpha, unsigned int srcWidth,
@@ -589,9 +575,9 @@ void LighterL12ToL12WithAlpha(unsigned short *src, unsigned char *alpha, unsigne
                               unsigned short *dst, unsigned int dstWidth, unsigned int dstHeight,
                               unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                               unsigned int regionWidth, unsigned int regionHeight, bool /*exact*/) {
-  compositing::ExtremeWords<true>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                                  dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
-                                  __func__);
+  compositing::Extreme<true>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                             dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight, true,
+                             __func__);
 }
 
 void DarkerTRCToTRCWithAlpha(unsigned int *src, unsigned char *alpha, unsigned int srcWidth,
@@ -599,9 +585,9 @@ void DarkerTRCToTRCWithAlpha(unsigned int *src, unsigned char *alpha, unsigned i
                              unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
                              unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                              unsigned int regionWidth, unsigned int regionHeight, bool exact) {
-  compositing::ExtremeTrc<false>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                                 dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
-                                 exact, __func__);
+  compositing::Extreme<false>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                              dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight, exact,
+                              __func__);
 }
 
 void LighterTRCToTRCWithAlpha(unsigned int *src, unsigned char *alpha, unsigned int srcWidth,
@@ -609,9 +595,9 @@ void LighterTRCToTRCWithAlpha(unsigned int *src, unsigned char *alpha, unsigned 
                               unsigned int *dst, unsigned int dstWidth, unsigned int dstHeight,
                               unsigned int dstLeft, unsigned int dstTop, unsigned char opacity,
                               unsigned int regionWidth, unsigned int regionHeight, bool exact) {
-  compositing::ExtremeTrc<true>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
-                                dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight,
-                                exact, __func__);
+  compositing::Extreme<true>(src, alpha, srcWidth, srcHeight, srcLeft, srcTop, dst, dstWidth,
+                             dstHeight, dstLeft, dstTop, opacity, regionWidth, regionHeight, exact,
+                             __func__);
 }
 
 void ChangeColorOfTRCWithAlpha(unsigned int *buffer, unsigned char *alpha, unsigned int width,
