@@ -1,12 +1,5 @@
-# Compiler settings shared by the library, its tests, benchmarks and examples.
-
-# x86 (32- or 64-bit) builds get the SSE2 and AVX2 kernels; other processors
-# run the scalar definitions only.
-if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64|i[3-6]86|x86)$")
-  set(OSTREL_TARGET_X86 ON)
-else()
-  set(OSTREL_TARGET_X86 OFF)
-endif()
+# Compiler settings shared by the library, its tests, benchmarks and examples
+# (OSTREL_PROCESSOR comes from OstrelKernels.cmake).
 
 function(ostrel_apply_compile_options target)
   if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
@@ -14,7 +7,7 @@ function(ostrel_apply_compile_options target)
       # Doubles must come out bit for bit the same on every build, so no
       # multiply-add contraction ...
       -ffp-contract=off)
-    if(OSTREL_TARGET_X86 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+    if(OSTREL_PROCESSOR STREQUAL "x86" AND CMAKE_SIZEOF_VOID_P EQUAL 4)
       # ... and no x87 extended precision on 32-bit x86: SSE2 arithmetic
       # rounds every double the way the 64-bit build does.
       target_compile_options(${target} PRIVATE -msse2 -mfpmath=sse)

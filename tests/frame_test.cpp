@@ -40,17 +40,31 @@ TEST(Module, VersionMacrosAreTheProjectVersion) {
   EXPECT_EQ(OSTREL_VERSION_PATCH, OSTREL_PROJECT_VERSION_PATCH);
 }
 
-TEST(Dispatch, LimitIsClampedToWhatTheProcessorHas) {
-  const int best = static_cast<int>(simd::SupportedIsa());
-#if OSTREL_KERNELS_X86 && (defined(__x86_64__) || defined(_M_X64))
-  EXPECT_GE(best, static_cast<int>(Isa::kSse2));  // SSE2 is the x86-64 baseline
-#elif !OSTREL_KERNELS_X86
-  EXPECT_EQ(best, static_cast<int>(Isa::kScalar));  // no vector tables were built
+TEST(Dispatch, LimitIsClampedToWhatTheProcessorRuns) {
+  const Isa best = simd::SupportedIsa();
+#if OSTREL_KERNELS_SSE2 && (defined(__x86_64__) || defined(_M_X64))
+  EXPECT_GE(static_cast<int>(best), static_cast<int>(Isa::kSse2));  // the x86-64 baseline
+#elif OSTREL_KERNELS_NEON
+  EXPECT_EQ(best, Isa::kNeon);  // every aarch64 processor has it
+#elif !OSTREL_KERNELS_SSE2 && !OSTREL_KERNELS_AVX2
+  EXPECT_EQ(best, Isa::kScalar);  // no vector tables were built
 #endif
-  const simd::ScopedIsaLimit restore(simd::SupportedIsa());
-  for (int limit : {0, 1, 2, 1, 0, 2}) {
-    simd::LimitIsaForTesting(static_cast<Isa>(limit));
-    EXPECT_EQ(static_cast<int>(simd::ActiveIsa()), std::min(limit, best)) << limit;
+  const auto runnable = simd::RunnableIsas();
+  ASSERT_FALSE(runnable.empty());
+  EXPECT_STREQ(runnable.front().name, "scalar");
+  EXPECT_EQ(runnable.back().isa, best);
+  const simd::ScopedIsaLimit restore(best);
+  // A limit the processor runs is taken as it is; one above them all gives
+  // the best; every set named runs here and was built.
+  for (const simd::IsaInfo &info : runnable) {
+    EXPECT_TRUE(info.built) << info.name;
+    simd::LimitIsaForTesting(info.isa);
+    EXPECT_EQ(simd::ActiveIsa(), info.isa) << info.name;
+  }
+  simd::LimitIsaForTesting(static_cast<Isa>(simd::kIsaCount - 1));
+  EXPECT_EQ(simd::ActiveIsa(), best);
+  for (const simd::IsaInfo &info : simd::kIsas) {
+    if (!info.built) { EXPECT_FALSE(simd::Runs(info.isa)) << info.name; }
   }
 }
 
@@ -60,18 +74,42 @@ TEST(Dispatch, ScopedLimitsNestAndRestore) {
     const simd::ScopedIsaLimit outer(Isa::kScalar);
     EXPECT_EQ(simd::ActiveIsa(), Isa::kScalar);
     {
-      const simd::ScopedIsaLimit inner(Isa::kAvx2);
+      const simd::ScopedIsaLimit inner(simd::kIsas[simd::kIsaCount - 1].isa);
       EXPECT_EQ(simd::ActiveIsa(), simd::SupportedIsa());
     }
     EXPECT_EQ(simd::ActiveIsa(), Isa::kScalar);
   }
   EXPECT_EQ(simd::ActiveIsa(), before);
-  // The runnable sets run from scalar up to the best one, each by its name.
-  const auto runnable = simd::RunnableIsas();
-  ASSERT_FALSE(runnable.empty());
-  EXPECT_STREQ(runnable.front().name, "scalar");
-  EXPECT_EQ(runnable.back().isa, simd::SupportedIsa());
-  EXPECT_STREQ(simd::IsaName(runnable.back().isa), runnable.back().name);
+}
+
+// A set's table may leave entries out: each level takes them from the
+// completed level below it, and a level without a table repeats the one
+// below.
+struct ProbeKernels {
+  int (*first)();
+  int (*pair[2])();
+};
+int One() { return 1; }
+int Two() { return 2; }
+int Three() { return 3; }
+
+TEST(Dispatch, MissingEntriesComeFromTheLevelBelow) {
+  static const ProbeKernels scalar{One, {One, One}};
+  static const ProbeKernels lower{nullptr, {Two, nullptr}};
+  static const ProbeKernels upper{Three, {nullptr, nullptr}};
+  static_assert(simd::kIsaCount >= 3, "scalar and two vector sets");
+  const ProbeKernels *byIsa[simd::kIsaCount] = {&scalar, &lower, nullptr};
+  byIsa[simd::kIsaCount - 1] = &upper;
+  const simd::CompletedTables<ProbeKernels> completed(byIsa);
+  const auto values = [](const ProbeKernels &t) {
+    return std::vector<int>{t.first(), t.pair[0](), t.pair[1]()};
+  };
+  EXPECT_EQ(values(completed.level[0]), (std::vector<int>{1, 1, 1}));
+  EXPECT_EQ(values(completed.level[1]), (std::vector<int>{1, 2, 1}));
+  EXPECT_EQ(values(completed.level[simd::kIsaCount - 1]), (std::vector<int>{3, 2, 1}));
+  for (int i = 2; i < simd::kIsaCount - 1; ++i) {
+    EXPECT_EQ(values(completed.level[i]), values(completed.level[1])) << i;
+  }
 }
 
 // (Code, line and bare names of backslashed paths are also checked through

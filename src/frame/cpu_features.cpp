@@ -2,7 +2,7 @@
 
 #include "frame/dispatch.h"
 
-#if OSTREL_X86
+#if OSTREL_PROCESSOR_X86
 #if defined(_MSC_VER)
 #include <intrin.h>
 #else
@@ -13,7 +13,7 @@
 namespace ostrel {
 namespace frame {
 
-#if OSTREL_X86
+#if OSTREL_PROCESSOR_X86
 namespace {
 
 struct CpuidRegs {
@@ -50,7 +50,7 @@ unsigned long long ReadXcr0() {
 }  // namespace
 
 CpuFeatures ReadCpuFeatures() {
-  CpuFeatures f{false, false, false, false};
+  CpuFeatures f{false, false, false, false, false};
   const CpuidRegs leaf1 = Cpuid(1, 0);
   f.mmx = (leaf1.edx >> 23) & 1u;
   f.sse2 = (leaf1.edx >> 26) & 1u;
@@ -66,7 +66,11 @@ CpuFeatures ReadCpuFeatures() {
 
 #else
 
-CpuFeatures ReadCpuFeatures() { return CpuFeatures{false, false, false, false}; }
+CpuFeatures ReadCpuFeatures() {
+  CpuFeatures f{false, false, false, false, false};
+  f.neon = OSTREL_PROCESSOR_AARCH64 != 0;
+  return f;
+}
 
 #endif
 

@@ -8,26 +8,46 @@ namespace simd {
 
 namespace {
 
-Isa DetectIsa() {
-  if (!OSTREL_KERNELS_X86) return Isa::kScalar;
-  const frame::CpuFeatures f = frame::ReadCpuFeatures();
-  if (f.avx2 && f.sse2) return Isa::kAvx2;
-  if (f.sse2) return Isa::kSse2;
-  return Isa::kScalar;
-}
+// Which levels run here: scalar always; a vector set when the build has its
+// kernels and the processor reports its feature.
+struct Runnable {
+  Runnable() {
+    const CpuFeatures f = ReadCpuFeatures();
+    level[0] = true;
+#define OSTREL_ISA_RUNS(features, Suffix, NAME, processor, feature) \
+  level[static_cast<int>(Isa::k##Suffix)] = OSTREL_KERNELS_##NAME != 0 && features.feature;
+    OSTREL_FOR_EACH_VECTOR_ISA(OSTREL_ISA_RUNS, f)
+#undef OSTREL_ISA_RUNS
+    for (int i = 0; i < kIsaCount; ++i) {
+      if (level[i]) best = static_cast<Isa>(i);
+    }
+  }
+  bool level[kIsaCount] = {};
+  Isa best = Isa::kScalar;
+};
 
-const Isa g_supportedIsa = DetectIsa();
+const Runnable &Detected() {
+  static const Runnable runnable;
+  return runnable;
+}
 
 }  // namespace
 
-std::atomic<int> g_activeIsa{static_cast<int>(DetectIsa())};
+std::atomic<int> g_activeIsa{static_cast<int>(Detected().best)};
 
-Isa SupportedIsa() { return g_supportedIsa; }
+Isa SupportedIsa() { return Detected().best; }
+
+bool Runs(Isa isa) {
+  const int i = static_cast<int>(isa);
+  return i >= 0 && i < kIsaCount && Detected().level[i];
+}
 
 void LimitIsaForTesting(Isa limit) {
-  const int best = static_cast<int>(g_supportedIsa);
-  const int wanted = static_cast<int>(limit);
-  g_activeIsa.store(wanted < best ? wanted : best, std::memory_order_relaxed);
+  int chosen = 0;
+  for (int i = 0; i < kIsaCount && i <= static_cast<int>(limit); ++i) {
+    if (Detected().level[i]) chosen = i;
+  }
+  g_activeIsa.store(chosen, std::memory_order_relaxed);
 }
 
 }  // namespace simd
