@@ -10,7 +10,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <tuple>
 
+#include "compositing/row_streams.h"
 #include "frame/blend.h"
 #include "frame/dispatch.h"
 
@@ -27,6 +29,13 @@ struct GreyRow {
   const std::uint32_t *pixels = nullptr;  // source TRC pixels (the luminance split)
   std::uint8_t *second = nullptr;         // a second row written: the ink move's source,
                                           // the luminance split's alpha bytes
+
+  // Its buffers, the two written ones first (compositing/row_streams.h).
+  static constexpr auto Streams() {
+    return std::make_tuple(&GreyRow::dst, &GreyRow::second, &GreyRow::src, &GreyRow::alpha,
+                           &GreyRow::pixels);
+  }
+  static constexpr std::size_t kWrittenStreams = 2;
 };
 
 // What stays the same for every row of a call.

@@ -182,51 +182,13 @@ struct SplitLuminance {
 
 // ---- The row loop ----------------------------------------------------------
 
-// Copies n bytes between buffers that do not overlap, without a library
-// call: whole 16-byte blocks and a last block that overlaps the one before,
-// or two overlapping halves of a shorter copy.
-inline void CopyShort(void *to, const void *from, std::size_t n) {
-  auto *t = static_cast<unsigned char *>(to);
-  const auto *f = static_cast<const unsigned char *>(from);
-  if (n >= 16) {
-    for (std::size_t k = 0; k + 16 < n; k += 16) std::memcpy(t + k, f + k, 16);
-    std::memcpy(t + n - 16, f + n - 16, 16);
-  } else if (n >= 8) {
-    std::memcpy(t, f, 8);
-    std::memcpy(t + n - 8, f + n - 8, 8);
-  } else if (n >= 4) {
-    std::memcpy(t, f, 4);
-    std::memcpy(t + n - 4, f + n - 4, 4);
-  } else if (n != 0) {
-    t[0] = f[0];
-    t[n / 2] = f[n / 2];
-    t[n - 1] = f[n - 1];
-  }
-}
-
-// A row of n values (null: none) copied into the front of a local row.
-template <class T, std::size_t k>
-T *LocalRow(T (&local)[k], const T *row, std::size_t n) {
-  if (row == nullptr) return nullptr;
-  CopyShort(local, row, n * sizeof(T));
-  return local;
-}
-
-// A row shorter than a step runs one step on local rows (zero past the row's
-// end); the rows written are copied back.
+// A row shorter than a step runs one step on local rows; the rows written
+// are copied back.
 template <class V, class Kernel>
 void RunShortRow(const GreyRow &r, const GreyBlend &b) {
-  std::uint8_t dst[V::kBytes] = {}, src[V::kBytes] = {}, alpha[V::kBytes] = {},
-               second[V::kBytes] = {};
-  std::uint32_t pixels[V::kBytes] = {};
-  GreyRow copy{LocalRow(dst, r.dst, r.n), V::kBytes};
-  copy.src = LocalRow(src, r.src, r.n);
-  copy.alpha = LocalRow(alpha, r.alpha, r.n);
-  copy.pixels = LocalRow(pixels, r.pixels, r.n);
-  copy.second = LocalRow(second, r.second, r.n);
-  Kernel::Store(copy, b, 0, Kernel::Load(copy, 0));
-  CopyShort(r.dst, dst, r.n);
-  if (r.second) CopyShort(r.second, second, r.n);
+  const LocalRows<GreyRow, V::kBytes> local(r);
+  Kernel::Store(local.row(), b, 0, Kernel::Load(local.row(), 0));
+  local.WriteBack();
 }
 
 // Narrower (void: none) is a vector width that takes the rows shorter than a
@@ -244,14 +206,9 @@ void RunGreyRow(const GreyRow &row, const GreyBlend &blend) {
       return RunGreyRow<Narrower, typename Kernel::template On<Narrower>, void>(r, b);
     }
   }
-  // The last step's inputs are read before any store. When the row is not a
-  // whole number of steps, that step ends it, storing again the results the
-  // step before has stored for the bytes they share: the same inputs, so the
-  // same results.
-  const std::size_t last = r.n - V::kBytes;
-  const typename Kernel::In lastIn = Kernel::Load(r, last);
-  for (std::size_t i = 0; i < last; i += V::kBytes) Kernel::Store(r, b, i, Kernel::Load(r, i));
-  Kernel::Store(r, b, last, lastIn);
+  RunSteps<V::kBytes>(
+      r.n, [&](std::size_t i) { return Kernel::Load(r, i); },
+      [&](std::size_t i, const typename Kernel::In &in) { Kernel::Store(r, b, i, in); });
 }
 
 // The lookup differs per table; Narrower as RunGreyRow.

@@ -85,7 +85,7 @@ void AlphaBlendColorToTRCInverted(unsigned int colour, unsigned char *mask, unsi
         compositing::TrcRow pairs = row;
         pairs.n = row.n & ~std::size_t{1};
         k.colourByInverse[form](pairs, blend);
-        if (row.n != pairs.n) k.colourByBytes[form](row.From(pairs.n), blend);
+        if (row.n != pairs.n) k.colourByBytes[form](compositing::RowFrom(row, pairs.n), blend);
       });
 }
 

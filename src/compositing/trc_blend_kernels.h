@@ -11,7 +11,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <tuple>
 
+#include "compositing/row_streams.h"
 #include "frame/dispatch.h"
 
 namespace ostrel {
@@ -27,17 +29,12 @@ struct TrcRow {
   const std::uint8_t *greys = nullptr;    // grey target colours (g, g, g)
   const std::uint16_t *words = nullptr;   // 16-bit coverage words
 
-  // The same row without its first i pixels.
-  TrcRow From(std::size_t i) const {
-    TrcRow r = *this;
-    r.dst += i;
-    r.n -= i;
-    if (pixels) r.pixels += i;
-    if (bytes) r.bytes += i;
-    if (greys) r.greys += i;
-    if (words) r.words += i;
-    return r;
+  // Its buffers, the written one first (compositing/row_streams.h).
+  static constexpr auto Streams() {
+    return std::make_tuple(&TrcRow::dst, &TrcRow::pixels, &TrcRow::bytes, &TrcRow::greys,
+                           &TrcRow::words);
   }
+  static constexpr std::size_t kWrittenStreams = 1;
 };
 
 // What stays the same for every row of a call.

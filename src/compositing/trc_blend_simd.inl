@@ -304,22 +304,10 @@ void RunRow(const TrcRow &row, const TrcBlend &blend) {
   for (; i + V::kPixels <= r.n; i += V::kPixels) Kernel::Step(r, b, i);
   if (i == r.n) return;
 
-  const TrcRow rest = r.From(i);
-  std::uint32_t dst[V::kPixels] = {}, pixels[V::kPixels] = {};
-  std::uint8_t bytes[V::kPixels] = {}, greys[V::kPixels] = {};
-  std::uint16_t words[V::kPixels] = {};
-  TrcRow copy{dst, V::kPixels};
-  std::memcpy(dst, rest.dst, rest.n * sizeof *dst);
-  if (rest.pixels)
-    copy.pixels =
-        static_cast<std::uint32_t *>(std::memcpy(pixels, rest.pixels, rest.n * sizeof *pixels));
-  if (rest.bytes) copy.bytes = static_cast<std::uint8_t *>(std::memcpy(bytes, rest.bytes, rest.n));
-  if (rest.greys) copy.greys = static_cast<std::uint8_t *>(std::memcpy(greys, rest.greys, rest.n));
-  if (rest.words)
-    copy.words =
-        static_cast<std::uint16_t *>(std::memcpy(words, rest.words, rest.n * sizeof *words));
-  Kernel::Step(copy, b, 0);
-  std::memcpy(rest.dst, dst, rest.n * sizeof *dst);
+  const TrcRow rest = RowFrom(r, i);
+  const LocalRows<TrcRow, V::kPixels> local(rest);
+  Kernel::Step(local.row(), b, 0);
+  local.WriteBack();
 }
 
 template <class V>

@@ -12,8 +12,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <tuple>
 #include <utility>
 
+#include "compositing/row_streams.h"
 #include "frame/dispatch.h"
 
 namespace ostrel {
@@ -30,14 +32,11 @@ struct WordRow {
   // the caller's buffer and is forced too.
   bool nextWord = false;
 
-  WordRow From(std::size_t i) const {
-    WordRow r = *this;
-    r.dst += i;
-    r.n -= i;
-    if (src) r.src += i;
-    if (alpha) r.alpha += i;
-    return r;
+  // Its buffers, the written one first (compositing/row_streams.h).
+  static constexpr auto Streams() {
+    return std::make_tuple(&WordRow::dst, &WordRow::src, &WordRow::alpha);
   }
+  static constexpr std::size_t kWrittenStreams = 1;
 };
 
 // What stays the same for every row of a call.

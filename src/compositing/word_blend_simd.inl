@@ -147,19 +147,9 @@ void RunWordRow(const WordRow &row, const WordBlend &blend) {
     for (i = V::kWords; i + V::kWords <= r.n; i += V::kWords) Step<V, Kernel>(r, b, i, V::Zero());
   }
   if (i < r.n) {
-    const WordRow rest = r.From(i);
-    std::uint16_t dst[V::kWords] = {}, src[V::kWords] = {};
-    std::uint8_t alpha[V::kWords] = {};
-    WordRow copy{dst, V::kWords};
-    std::memcpy(dst, rest.dst, rest.n * sizeof *dst);
-    if (Kernel::kSource) {
-      copy.src = static_cast<std::uint16_t *>(std::memcpy(src, rest.src, rest.n * sizeof *src));
-    }
-    if (Kernel::kAlpha) {
-      copy.alpha = static_cast<std::uint8_t *>(std::memcpy(alpha, rest.alpha, rest.n));
-    }
-    Step<V, Kernel>(copy, b, 0, i == 0 ? first : V::Zero());
-    std::memcpy(rest.dst, dst, rest.n * sizeof *dst);
+    const LocalRows<WordRow, V::kWords> local(RowFrom(r, i));
+    Step<V, Kernel>(local.row(), b, 0, i == 0 ? first : V::Zero());
+    local.WriteBack();
   }
   // The word after the row, forced by the row's last pixel.
   if (Kernel::kForceNext && r.nextWord && r.dst[r.n] != 0) r.dst[r.n] = 4095;

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "compositing/row_streams.h"
 #include "frame/dispatch.h"
 #include "frame/region.h"
 

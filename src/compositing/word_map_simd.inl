@@ -144,11 +144,6 @@ void RunWordRow(const WordMapRow &row, const WordMap &map) {
     return (n < kWordMapVectorFrom ? WordMapKernelsScalar.*entry : narrower->*entry)(row, map);
   }
   if (!RowReadsAsScalar<Kernel>(row)) return (WordMapKernelsScalar.*entry)(row, map);
-  // The last step's inputs are read before any store. When the row is not a
-  // whole number of steps, that step ends it, storing again the results the
-  // step before has stored for the pixels they share: the same inputs, so the
-  // same results.
-  const std::size_t last = n - V::kBytes;
   const auto at = [&](std::size_t i) {
     return LoadStep<V, Kernel>(src + i, Kernel::kAlpha ? alpha + i : nullptr);
   };
@@ -156,10 +151,7 @@ void RunWordRow(const WordMapRow &row, const WordMap &map) {
     StoreStep<V, Kernel>(Kernel::kBytes ? nullptr : words + i, Kernel::kBytes ? bytes + i : nullptr,
                          in, m);
   };
-  const StepInputs<V> lastInputs = at(last);
-  std::size_t i = 0;
-  for (; i <= last; i += V::kBytes) store(i, at(i));
-  if (i != n) store(last, lastInputs);
+  RunSteps<V::kBytes>(n, at, store);
 }
 
 // The word lookup of the vector tables. Gathers measured slower here than
