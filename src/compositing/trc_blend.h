@@ -1,5 +1,5 @@
-// The plumbing the blends into 32-bit colour share: choosing the form and
-// running a row kernel over a clipped region.
+// The plumbing the blends into 32-bit colour share: the form index
+// (frame/blend.h) and running a row kernel over a clipped region.
 #ifndef OSTREL_COMPOSITING_TRC_BLEND_H
 #define OSTREL_COMPOSITING_TRC_BLEND_H
 
@@ -11,11 +11,7 @@
 namespace ostrel {
 namespace compositing {
 
-// Index of the form a call runs (into the two-form kernel entries).
-inline int FormIndex(bool exact) {
-  return static_cast<int>(frame::UseFastForm(exact) ? frame::blend::Form::kFast
-                                                    : frame::blend::Form::kExact);
-}
+using frame::blend::FormIndex;
 
 // The blend of a paint colour at an opacity.
 inline TrcBlend PaintBlend(unsigned int colour, unsigned int opacity) {

@@ -30,6 +30,23 @@ static_assert((-1 >> 1) == -1, "the fast form needs an arithmetic right shift of
 
 enum class Form { kExact, kFast };
 
+}  // namespace blend
+
+// The module-wide fast-form flag: nonzero when the processor offers MMX (set
+// when the library is loaded, frame/module.h). The compositing functions that
+// have a fast form run it when their `exact` argument is false and this flag
+// is set. 0 until the library is loaded.
+extern int g_fastFormFlag;
+
+inline bool UseFastForm(bool exact) { return !exact && g_fastFormFlag != 0; }
+
+namespace blend {
+
+// The form a call runs, as an index into the two-form kernel entries.
+inline int FormIndex(bool exact) {
+  return static_cast<int>(UseFastForm(exact) ? Form::kFast : Form::kExact);
+}
+
 // ---- Weights -------------------------------------------------------------
 
 constexpr std::uint32_t ExactWeight(std::uint32_t coverage, std::uint32_t opacity) {

@@ -3,25 +3,20 @@
 #define OSTREL_FRAME_MODULE_H
 
 #include "MfcUtilities.h"
+#include "frame/blend.h"
 
 namespace ostrel {
 namespace frame {
 
 // The library's one application object. It is a static object, so it is
 // created when the library is loaded, and its InitInstance runs right after:
-// it sets the module-wide fast-form flag from the processor-feature query
+// it sets the module-wide fast-form flag (frame/blend.h) from the
+// processor-feature query
 // (MMX) and does nothing else; no thread is started at load.
 class COstrelApp : public CVornelWinAppForRegularDLL {
  public:
   int InitInstance() override;
 };
-
-// The module-wide fast-form flag: nonzero when the processor offers MMX. The
-// compositing functions that have a fast form run it when their `exact`
-// argument is false and this flag is set. 0 until the library is loaded.
-extern int g_fastFormFlag;
-
-inline bool UseFastForm(bool exact) { return !exact && g_fastFormFlag != 0; }
 
 // The library's processor-feature queries: MMX (which sets the flag), and
 // SSE2 and SSE3, which nothing in the library depends on. Each is nonzero
