@@ -18,11 +18,7 @@ void BlendSourceRows(unsigned int *src, unsigned int srcWidth, unsigned int srcH
   const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
   if (e.rows == 0) return;
-  BlendRows(e, kernel, blend, [&](std::uint32_t j) {
-    TrcRow row{d.Row(j), e.columns};
-    row.pixels = s.Row(j);
-    return row;
-  });
+  RunRows<TrcRow>(e, kernel, blend, d, In(&TrcRow::pixels, s));
 }
 
 // The weight of a fully covering source pixel in the call's form: the usual
@@ -52,13 +48,8 @@ void BlendThroughAlphaPlane(unsigned int *src, unsigned int srcWidth, unsigned i
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
   frame::ExpectHolds(a, e, function);
   if (e.rows == 0) return;
-  BlendRows(e, ActiveTrcBlendKernels().pixelsByBytes[form], PaintBlend(0, opacity),
-            [&](std::uint32_t j) {
-              TrcRow row{d.Row(j), e.columns};
-              row.pixels = s.Row(j);
-              row.bytes = a.Row(j);
-              return row;
-            });
+  RunRows<TrcRow>(e, ActiveTrcBlendKernels().pixelsByBytes[form], PaintBlend(0, opacity), d,
+                  In(&TrcRow::pixels, s), In(&TrcRow::bytes, a));
 }
 
 }  // namespace

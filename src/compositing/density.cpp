@@ -22,12 +22,7 @@ void DensityRows(unsigned char density, unsigned char *alpha, unsigned int alpha
   GreyBlend blend;
   blend.density = density;
   blend.opacity = opacity;
-  frame::ForEachRowPair(a, d, e,
-                        [&](const std::uint8_t *coverage, std::uint8_t *out, std::uint32_t n) {
-                          GreyRow row{out, n};
-                          row.alpha = coverage;
-                          kernel(row, blend);
-                        });
+  RunRows<GreyRow>(e, kernel, blend, d, In(&GreyRow::alpha, a));
 }
 
 // The 12-bit density members through a word row kernel: exact form,
@@ -45,12 +40,9 @@ void DensityWords(unsigned short density, unsigned char *alpha, unsigned int alp
   WordBlend blend;
   blend.density = density;
   blend.opacity = opacity;
-  frame::ForEachRowPair(a, d, e,
-                        [&](const std::uint8_t *coverage, std::uint16_t *out, std::uint32_t n) {
-                          WordRow row{out, n};
-                          row.alpha = coverage;
-                          kernel(WordKernelsForRow(row))(row, blend);
-                        });
+  RunRows<WordRow>(
+      e, [&](const WordRow &row, const WordBlend &b) { kernel(WordKernelsForRow(row))(row, b); },
+      blend, d, In(&WordRow::alpha, a));
 }
 
 }  // namespace

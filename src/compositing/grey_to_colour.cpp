@@ -21,11 +21,7 @@ void BlendThroughGrey(const unsigned char *src, unsigned int srcWidth, unsigned 
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, function);
   if (e.rows == 0) return;
   if (lookup == nullptr) {
-    BlendRows(e, kernel, blend, [&](std::uint32_t j) {
-      TrcRow row{d.Row(j), e.columns};
-      row.bytes = s.Row(j);
-      return row;
-    });
+    RunRows<TrcRow>(e, kernel, blend, d, In(&TrcRow::bytes, s));
     return;
   }
   constexpr std::size_t kStretch = 1024;
@@ -110,13 +106,10 @@ void AlphaBlendL08WithAlphaBufferToTRC(unsigned char *src, unsigned char *alpha,
   const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, __func__);
   if (e.rows == 0) return;
-  compositing::BlendRows(e, compositing::ActiveTrcBlendKernels().greysByBytes,
-                         compositing::PaintBlend(0, opacity), [&](std::uint32_t j) {
-                           compositing::TrcRow row{d.Row(j), e.columns};
-                           row.greys = s.Row(j);
-                           row.bytes = a.Row(j);
-                           return row;
-                         });
+  compositing::RunRows<compositing::TrcRow>(e, compositing::ActiveTrcBlendKernels().greysByBytes,
+                                            compositing::PaintBlend(0, opacity), d,
+                                            compositing::In(&compositing::TrcRow::greys, s),
+                                            compositing::In(&compositing::TrcRow::bytes, a));
 }
 
 // 12-bit grey words as the coverage.
@@ -129,11 +122,7 @@ void AlphaBlendL12ToTRC(unsigned short *src, unsigned int srcWidth, unsigned int
   const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipPair(s, d, regionWidth, regionHeight, __func__);
   if (e.rows == 0) return;
-  compositing::BlendRows(
+  compositing::RunRows<compositing::TrcRow>(
       e, compositing::ActiveTrcBlendKernels().colourByWords[compositing::FormIndex(exact)],
-      compositing::PaintBlend(colour, opacity), [&](std::uint32_t j) {
-        compositing::TrcRow row{d.Row(j), e.columns};
-        row.words = s.Row(j);
-        return row;
-      });
+      compositing::PaintBlend(colour, opacity), d, compositing::In(&compositing::TrcRow::words, s));
 }

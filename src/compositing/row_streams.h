@@ -1,6 +1,7 @@
-// What the vector row drivers of every kernel family share: a row record's
+// What every kernel family shares around its row kernels: the loop over a
+// clipped region that fills a row record per row (RunRows), a row record's
 // list of streams, the same row further on, and one step's worth of a short
-// row copied into local rows.
+// row copied into local rows (for the vector row drivers).
 //
 // A row record (TrcRow, GreyRow, WordRow) is n elements of a destination and
 // of the inputs its kernel reads, each a pointer that may be null when the
@@ -15,13 +16,43 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <tuple>
 #include <type_traits>
 #include <utility>
 
+#include "frame/region.h"
+
 namespace ostrel {
 namespace compositing {
+
+// One input stream of a row record: the member it fills and the plane whose
+// rows fill it.
+template <class Member, class Pixel>
+struct RowInput {
+  Member member;
+  const frame::Plane<Pixel> &plane;
+};
+template <class Member, class Pixel>
+RowInput<Member, Pixel> In(Member member, const frame::Plane<Pixel> &plane) {
+  return {member, plane};
+}
+
+// Calls kernel(row, params) for each row j of the clipped region e, top to
+// bottom: the row record holds dst's row j, e.columns long, and row j of
+// each input's plane (its other streams null).
+template <class Row, class Kernel, class Params, class Dst, class... Inputs>
+void RunRows(frame::Extent e, Kernel &&kernel, const Params &params, const frame::Plane<Dst> &dst,
+             const Inputs &...inputs) {
+  for (std::uint32_t j = 0; j < e.rows; ++j) {
+    Row row{};
+    row.dst = dst.Row(j);
+    row.n = e.columns;
+    ((row.*inputs.member = inputs.plane.Row(j)), ...);
+    kernel(row, params);
+  }
+}
 
 // Copies n (at most kMax) bytes between buffers that do not overlap, without
 // a library call: whole 16-byte blocks and a last block that overlaps the one

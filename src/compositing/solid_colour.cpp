@@ -18,12 +18,7 @@ void BlendThroughMask(const unsigned char *mask, unsigned int maskWidth, unsigne
   const auto d = frame::MakePlane(dst, dstWidth, dstHeight, dstLeft, dstTop, "dst");
   const frame::Extent e = frame::ClipSingle(d, regionWidth, regionHeight, function);
   frame::ExpectHolds(m, e, function);
-  if (e.rows == 0) return;
-  for (std::uint32_t j = 0; j < e.rows; ++j) {
-    TrcRow row{d.Row(j), e.columns};
-    row.bytes = m.Row(j);
-    run(row, blend);
-  }
+  RunRows<TrcRow>(e, run, blend, d, In(&TrcRow::bytes, m));
 }
 
 }  // namespace
@@ -43,11 +38,9 @@ void AlphaBlendColorWithConstAlphaToTRC(unsigned int colour, unsigned int *buffe
   if (e.rows == 0) return;
   compositing::TrcBlend blend = compositing::PaintBlend(colour, 0);
   blend.weight = colour >> 24;  // the colour's own alpha, used as the weight directly
-  compositing::BlendRows(
+  compositing::RunRows<compositing::TrcRow>(
       e, compositing::ActiveTrcBlendKernels().colourByWeight[compositing::FormIndex(exact)], blend,
-      [&](std::uint32_t j) {
-        return compositing::TrcRow{b.Row(j), e.columns};
-      });
+      b);
 }
 
 void AlphaBlendColorToTRC(unsigned int colour, unsigned char *mask, unsigned int maskWidth,
@@ -127,12 +120,9 @@ void AlphaBlendAlphaToTRC(unsigned char value, unsigned char *mask, unsigned int
   if (e.rows == 0) return;
   const compositing::TrcBlend blend =
       compositing::PaintBlend(static_cast<unsigned int>(value) << 24, opacity);
-  compositing::BlendRows(e, compositing::ActiveTrcBlendKernels().alphaByBytes, blend,
-                         [&](std::uint32_t j) {
-                           compositing::TrcRow row{d.Row(j), e.columns};
-                           row.bytes = m.Row(j);
-                           return row;
-                         });
+  compositing::RunRows<compositing::TrcRow>(e, compositing::ActiveTrcBlendKernels().alphaByBytes,
+                                            blend, d,
+                                            compositing::In(&compositing::TrcRow::bytes, m));
 }
 
 void AlphaBlendColorWithAlphaBlueOfTrcToTrc(
@@ -154,9 +144,6 @@ void AlphaBlendColorWithAlphaBlueOfTrcToTrc(
   } else if (opacity == 255 && scaleColour) {
     kernel = k.colourScaledByBlue;
   }
-  compositing::BlendRows(e, kernel, blend, [&](std::uint32_t j) {
-    compositing::TrcRow row{d.Row(j), e.columns};
-    row.pixels = s.Row(j);
-    return row;
-  });
+  compositing::RunRows<compositing::TrcRow>(e, kernel, blend, d,
+                                            compositing::In(&compositing::TrcRow::pixels, s));
 }

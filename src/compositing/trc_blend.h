@@ -1,5 +1,6 @@
 // The plumbing the blends into 32-bit colour share: the form index
-// (frame/blend.h) and running a row kernel over a clipped region.
+// (frame/blend.h) and the blend of a paint colour; the region loop is
+// RunRows (compositing/row_streams.h).
 #ifndef OSTREL_COMPOSITING_TRC_BLEND_H
 #define OSTREL_COMPOSITING_TRC_BLEND_H
 
@@ -19,12 +20,6 @@ inline TrcBlend PaintBlend(unsigned int colour, unsigned int opacity) {
   blend.colour = colour;
   blend.opacity = opacity;
   return blend;
-}
-
-// Calls kernel(rowOf(j), blend) for each row j of the clipped region.
-template <class RowOf>
-void BlendRows(frame::Extent e, TrcRowKernel kernel, const TrcBlend &blend, RowOf &&rowOf) {
-  for (std::uint32_t j = 0; j < e.rows; ++j) kernel(rowOf(j), blend);
 }
 
 }  // namespace compositing
