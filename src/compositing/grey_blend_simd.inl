@@ -186,9 +186,8 @@ struct SplitLuminance {
 // are copied back.
 template <class V, class Kernel>
 void RunShortRow(const GreyRow &r, const GreyBlend &b) {
-  const LocalRows<GreyRow, V::kBytes> local(r);
-  Kernel::Store(local.row(), b, 0, Kernel::Load(local.row(), 0));
-  local.WriteBack();
+  RunTail<V::kBytes>(
+      r, 0, [&](const GreyRow &local) { Kernel::Store(local, b, 0, Kernel::Load(local, 0)); });
 }
 
 // Narrower (void: none) is a vector width that takes the rows shorter than a
@@ -201,9 +200,9 @@ void RunGreyRow(const GreyRow &row, const GreyBlend &blend) {
   const GreyBlend b = blend;
   if (r.n < V::kBytes) {
     if constexpr (std::is_void<Narrower>::value) {
-      return RunShortRow<V, Kernel>(r, b);
+      return RunShortRow<V, Kernel>(row, b);  // the caller's record (see RunTail)
     } else {
-      return RunGreyRow<Narrower, typename Kernel::template On<Narrower>, void>(r, b);
+      return RunGreyRow<Narrower, typename Kernel::template On<Narrower>, void>(row, b);
     }
   }
   RunSteps<V::kBytes>(

@@ -24,6 +24,19 @@
 
 #include "frame/region.h"
 
+// Marks a function that must be inlined into its caller. The row helpers
+// below are compiled for the baseline instruction set; a vector row driver
+// (AVX2, say) that calls them with its own step functions needs them inlined
+// into its body, where the steps inline in turn and keep their registers
+// (a call across the boundary passes every register through memory).
+#if defined(__GNUC__) || defined(__clang__)
+#define OSTREL_ALWAYS_INLINE inline __attribute__((always_inline))
+#elif defined(_MSC_VER)
+#define OSTREL_ALWAYS_INLINE __forceinline
+#else
+#define OSTREL_ALWAYS_INLINE inline
+#endif
+
 namespace ostrel {
 namespace compositing {
 
@@ -120,7 +133,7 @@ Row RowFrom(const Row &row, std::size_t i) {
 // stores again, for the elements it shares with the step before, the results
 // that step stored (the same inputs, so the same results).
 template <std::size_t kStep, class Load, class Store>
-void RunSteps(std::size_t n, Load &&load, Store &&store) {
+OSTREL_ALWAYS_INLINE void RunSteps(std::size_t n, Load &&load, Store &&store) {
   const std::size_t last = n - kStep;
   const auto lastInputs = load(last);
   std::size_t i = 0;
@@ -183,6 +196,20 @@ class LocalRows {
   std::size_t n_;  // from_.n, which is at most k
   typename Buffers<decltype(Row::Streams())>::type local_{};
 };
+
+// Runs step(local) once on the elements of row from i on (fewer than k),
+// copied into local rows of k elements, and copies the written ones back.
+// A driver hands it the row record it was called with, not its own copy of
+// it: the copy then never has its address taken and stays in registers
+// (copying a record whose fields the caller has just stored, as a whole,
+// stalls the processor on every row).
+template <std::size_t k, class Row, class Step>
+void RunTail(const Row &row, std::size_t i, Step &&step) {
+  const Row rest = RowFrom(row, i);
+  const LocalRows<Row, k> local(rest);
+  step(local.row());
+  local.WriteBack();
+}
 
 }  // namespace compositing
 }  // namespace ostrel

@@ -304,10 +304,7 @@ void RunRow(const TrcRow &row, const TrcBlend &blend) {
   for (; i + V::kPixels <= r.n; i += V::kPixels) Kernel::Step(r, b, i);
   if (i == r.n) return;
 
-  const TrcRow rest = RowFrom(r, i);
-  const LocalRows<TrcRow, V::kPixels> local(rest);
-  Kernel::Step(local.row(), b, 0);
-  local.WriteBack();
+  RunTail<V::kPixels>(row, i, [&](const TrcRow &local) { Kernel::Step(local, b, 0); });
 }
 
 template <class V>

@@ -15,16 +15,6 @@
 
 #include "compositing/simd_lanes.h"
 
-// A step is inlined into its row loop, which then keeps the weights and
-// constants in registers (left to itself, the compiler calls many steps).
-#if defined(__GNUC__) || defined(__clang__)
-#define OSTREL_WORD_STEP inline __attribute__((always_inline))
-#elif defined(_MSC_VER)
-#define OSTREL_WORD_STEP __forceinline
-#else
-#define OSTREL_WORD_STEP inline
-#endif
-
 namespace ostrel {
 namespace compositing {
 namespace {
@@ -125,8 +115,10 @@ struct TowardExtreme {
 
 // ---- The row loop ----------------------------------------------------------
 
+// A step is inlined into its row loop, which then keeps the weights and
+// constants in registers (left to itself, the compiler calls many steps).
 template <class V, class Kernel>
-OSTREL_WORD_STEP void Step(const WordRow &r, const WordBlend &b, std::size_t i, Reg<V> first) {
+OSTREL_ALWAYS_INLINE void Step(const WordRow &r, const WordBlend &b, std::size_t i, Reg<V> first) {
   const Reg<V> d = V::LoadWords(r.dst + i);
   const Reg<V> s = Kernel::kSource ? V::LoadWords(r.src + i) : V::Zero();
   const Reg<V> a = Kernel::kAlpha ? V::BytesToWords(r.alpha + i) : V::Zero();
@@ -147,9 +139,9 @@ void RunWordRow(const WordRow &row, const WordBlend &blend) {
     for (i = V::kWords; i + V::kWords <= r.n; i += V::kWords) Step<V, Kernel>(r, b, i, V::Zero());
   }
   if (i < r.n) {
-    const LocalRows<WordRow, V::kWords> local(RowFrom(r, i));
-    Step<V, Kernel>(local.row(), b, 0, i == 0 ? first : V::Zero());
-    local.WriteBack();
+    RunTail<V::kWords>(row, i, [&](const WordRow &local) {
+      Step<V, Kernel>(local, b, 0, i == 0 ? first : V::Zero());
+    });
   }
   // The word after the row, forced by the row's last pixel.
   if (Kernel::kForceNext && r.nextWord && r.dst[r.n] != 0) r.dst[r.n] = 4095;
@@ -182,5 +174,3 @@ constexpr WordBlendKernels MakeWordBlendKernels() {
 }  // namespace
 }  // namespace compositing
 }  // namespace ostrel
-
-#undef OSTREL_WORD_STEP
