@@ -13,7 +13,9 @@
 #include <cstdint>
 #include <cstring>
 
-#if defined(__SSE2__) || defined(_M_X64) || (defined(_M_IX86_FP) && _M_IX86_FP >= 2)
+// SSE2 is the baseline of every x86 build (the build says which processor it
+// targets; see cmake/OstrelKernels.cmake).
+#if OSTREL_PROCESSOR_X86
 #include <emmintrin.h>
 #endif
 
@@ -209,7 +211,7 @@ void FillGrid(const frame::Plane<unsigned char> &mask, frame::Extent e, Grid &gr
     // and bit 0 of byte k + 1. carry holds the bit that moves on.
     std::uint32_t x = 0;
     unsigned carry = 0;
-#if defined(__SSE2__) || defined(_M_X64) || (defined(_M_IX86_FP) && _M_IX86_FP >= 2)
+#if OSTREL_PROCESSOR_X86
     const __m128i zero = _mm_setzero_si128();
     for (; x + 16 <= e.columns; x += 16) {
       const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(m + x));
