@@ -1,24 +1,5 @@
 # Cross-compiles for 32-bit Windows with the i686-w64-mingw32 toolchain:
 #   cmake -S . -B build-mingw -DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-mingw-i686.cmake
-#
-# The -posix compiler is used: its standard library has std::mutex and
-# std::thread, which the win32-threads variant lacks. Its thread support
-# (winpthread) is linked statically into Ostrel.dll, as are libgcc and
-# libstdc++ (see the top-level CMakeLists.txt).
-set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
-
 set(OSTREL_MINGW_PREFIX i686-w64-mingw32)
-find_program(CMAKE_CXX_COMPILER NAMES ${OSTREL_MINGW_PREFIX}-g++-posix REQUIRED)
-find_program(CMAKE_C_COMPILER NAMES ${OSTREL_MINGW_PREFIX}-gcc-posix)
-find_program(CMAKE_RC_COMPILER NAMES ${OSTREL_MINGW_PREFIX}-windres)
-find_program(CMAKE_AR NAMES ${OSTREL_MINGW_PREFIX}-gcc-ar-posix ${OSTREL_MINGW_PREFIX}-ar)
-find_program(CMAKE_RANLIB NAMES ${OSTREL_MINGW_PREFIX}-gcc-ranlib-posix ${OSTREL_MINGW_PREFIX}-ranlib)
-
-# Look for libraries and headers in the target's tree only; programs come
-# from the build machine.
-set(CMAKE_FIND_ROOT_PATH /usr/${OSTREL_MINGW_PREFIX})
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+include(${CMAKE_CURRENT_LIST_DIR}/toolchain-mingw-common.cmake)

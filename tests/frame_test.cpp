@@ -32,6 +32,18 @@ TEST(Module, FastFormFlagAndIsMmxAreTheMmxQuery) {
 #endif
 }
 
+// The processor-feature queries (IsProcessorFeaturePresent on Windows, cpuid elsewhere) agree
+// with the compiler's own reading of the processor.
+TEST(Module, FeatureQueriesMatchTheProcessor) {
+#if defined(__i386__) || defined(__x86_64__)
+  EXPECT_EQ(frame::QueryMmx(), __builtin_cpu_supports("mmx") ? 1 : 0);
+  EXPECT_EQ(frame::QuerySse2(), __builtin_cpu_supports("sse2") ? 1 : 0);
+  EXPECT_EQ(frame::QuerySse3(), __builtin_cpu_supports("sse3") ? 1 : 0);
+#else
+  EXPECT_EQ(frame::QuerySse2() + frame::QuerySse3(), 0);
+#endif
+}
+
 // The header's version is the project's (whose major number is also the
 // shared library's SONAME version).
 TEST(Module, VersionMacrosAreTheProjectVersion) {

@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
@@ -100,5 +103,21 @@ TEST(GeometryCurveInvalidDeathTest, HostHandlerElseReportAndAbort) {
   EXPECT_DEATH(CurveInterpolation(2, equal.data(), 4, 255, table.data()), "Vornel exception 1");
   SetInvalidParameterHandler(previous);
 }
+
+#ifdef _WIN32
+void RuntimeHandler(const wchar_t *, const wchar_t *, const wchar_t *, unsigned, std::uintptr_t) {
+  std::fputs("runtime handler, then ", stderr);
+}
+
+// On Windows the handler a host installed in the C runtime runs too, after the host's own and
+// before the report.
+TEST(GeometryCurveInvalidDeathTest, RuntimeHandlerRunsBeforeTheReport) {
+  Shorts table(16, 0), equal = {0, 0, 5, 9, 5, 20};
+  const _invalid_parameter_handler previous = _set_invalid_parameter_handler(RuntimeHandler);
+  EXPECT_DEATH((DllSetTextMgr(nullptr), CurveInterpolation(2, equal.data(), 4, 255, table.data())),
+               "runtime handler, then Ostrel: invalid parameter in CurveInterpolation: k >= 2");
+  _set_invalid_parameter_handler(previous);
+}
+#endif
 
 }  // namespace

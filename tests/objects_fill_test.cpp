@@ -12,6 +12,11 @@
 
 #ifdef __unix__
 #include <sys/mman.h>
+#elif defined(_WIN32)
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#include <windows.h>
 #endif
 
 namespace {
@@ -140,7 +145,7 @@ TEST(ObjectsFillAndLabels, EmptyBuffersAndSaturatedCounts) {
   EXPECT_EQ(n, INT_MAX);
 }
 
-#ifdef __unix__
+#if defined(__unix__) || defined(_WIN32)
 // A buffer INT_MAX wide, two rows reserved and only the pages at their ends
 // touched: the run in the last column, scanned again in the row below, ends
 // the scan there (the next column to look at would be INT_MAX + 1).
@@ -148,16 +153,25 @@ TEST(ObjectsFillAndLabels, LastColumnOfABufferIntMaxWide) {
   if (sizeof(void *) < 8) GTEST_SKIP() << "needs 4 GiB of address space";
   const int w = INT_MAX;
   const std::size_t size = 2 * static_cast<std::size_t>(w);
+#ifdef _WIN32
+  void *m = VirtualAlloc(nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+  if (m == nullptr) GTEST_SKIP() << "no 4 GiB allocation";
+#else
   void *m = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE,
                  -1, 0);
   if (m == MAP_FAILED) GTEST_SKIP() << "no 4 GiB mapping";
+#endif
   unsigned char *b = static_cast<unsigned char *>(m);
   b[w - 1] = b[size - 1] = 1;
   int changed = -1;
   EXPECT_EQ(Fill<unsigned char>(b, w, 2, w - 1, 0, 0, 0, w, 2, 7, &changed), 0);
   EXPECT_EQ(changed, 3);
   EXPECT_EQ(b[w - 1] + b[size - 1] + b[w - 2] + b[size - 2], 14);
+#ifdef _WIN32
+  VirtualFree(m, 0, MEM_RELEASE);
+#else
   munmap(m, size);
+#endif
 }
 #endif
 

@@ -103,6 +103,11 @@ TEST(RepeatFoldingDeathTest, ZeroRepeatSizeRaisesTheDivideFault) {
   // AddressSanitizer catches the signal, reports it and exits.
   EXPECT_DEATH(SetInRapp(-5, 3, 0, 80, 0, eDropVertical, &x, &y), "FPE");
   EXPECT_DEATH(kgV(0, 0), "FPE");
+#elif defined(_WIN32)
+  // The process ends with the exception's code, EXCEPTION_INT_DIVIDE_BY_ZERO.
+  const ::testing::ExitedWithCode divideFault(static_cast<int>(0xC0000094u));
+  EXPECT_EXIT(SetInRapp(-5, 3, 0, 80, 0, eDropVertical, &x, &y), divideFault, "");
+  EXPECT_EXIT(kgV(0, 0), divideFault, "");
 #else
   EXPECT_EXIT(SetInRapp(-5, 3, 0, 80, 0, eDropVertical, &x, &y), ::testing::KilledBySignal(SIGFPE),
               "");

@@ -1,6 +1,14 @@
 // The worker pool and the shared scratch buffer.
 #include <gtest/gtest.h>
+
+#ifdef _WIN32
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#include <windows.h>
+#else
 #include <sched.h>
+#endif
 
 #include <algorithm>
 #include <cstdio>
@@ -23,16 +31,27 @@ namespace {
 // may use, builds the pool and exits 0 when its shape is right (else prints
 // what is wrong and exits 1).
 [[noreturn]] void BuildPoolOn(int processors) {
+  unsigned int n = 0;
+#ifdef _WIN32
+  DWORD_PTR allowed = 0, system = 0, chosen = 0;
+  if (!GetProcessAffinityMask(GetCurrentProcess(), &allowed, &system)) std::_Exit(2);
+  for (int cpu = 0; cpu < 32 && static_cast<int>(n) < processors; ++cpu) {
+    if (((allowed >> cpu) & 1) == 0) continue;
+    chosen |= DWORD_PTR{1} << cpu;
+    ++n;
+  }
+  if (!SetProcessAffinityMask(GetCurrentProcess(), chosen)) std::_Exit(2);
+#else
   cpu_set_t allowed, chosen;
   CPU_ZERO(&chosen);
   if (sched_getaffinity(0, sizeof allowed, &allowed) != 0) std::_Exit(2);
-  for (int cpu = 0, taken = 0; cpu < 32 && taken < processors; ++cpu) {
+  for (int cpu = 0; cpu < 32 && static_cast<int>(n) < processors; ++cpu) {
     if (!CPU_ISSET(cpu, &allowed)) continue;
     CPU_SET(cpu, &chosen);
-    ++taken;
+    ++n;
   }
   if (sched_setaffinity(0, sizeof chosen, &chosen) != 0) std::_Exit(2);
-  const unsigned int n = static_cast<unsigned int>(CPU_COUNT(&chosen));
+#endif
   const SynchStruct *s = GetSynchStruct();
   const unsigned int workers = n == 1 ? 0 : 8 + n, events = n == 1 ? 0 : n + 15;
   bool ok = s->state == 0 && s->extraWorkers == 8 && s->processorCount == n &&

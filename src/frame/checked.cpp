@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cinttypes>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 
@@ -15,7 +16,8 @@ void ArgValue::Format(char *text, unsigned size) const {
     case kDouble: std::snprintf(text, size, "%.17g", double_); break;
     case kPointer:
       if (pointer_) {
-        std::snprintf(text, size, "%p", pointer_);
+        // Not %p, whose form differs between C runtimes (no 0x on Windows).
+        std::snprintf(text, size, "0x%" PRIxPTR, reinterpret_cast<std::uintptr_t>(pointer_));
       } else {
         std::snprintf(text, size, "null");
       }
