@@ -29,7 +29,8 @@ inline uint8x16_t LookupBytes(const LookupTable &t, uint8x16_t x) {
   return vqtbx4q_u8(out, t.quarter[3], x);
 }
 
-// A row of at least 16 bytes, apart from the table.
+// A row of at least 16 bytes, apart from the table (LookupRowBy sends it rows
+// from kLookupVectorFrom bytes on, a length measured on x86 and kept here).
 void LookupLongRow(std::uint8_t *dst, std::size_t n, const std::uint8_t *table) {
   LookupTable t;
   for (int q = 0; q < 4; ++q) t.quarter[q] = vld1q_u8_x4(table + 64 * q);
@@ -42,24 +43,10 @@ void LookupLongRow(std::uint8_t *dst, std::size_t n, const std::uint8_t *table) 
   if (n % 16 != 0) vst1q_u8(last, LookupBytes(t, lastBytes));
 }
 
-void LookupRowNeon(const GreyRow &row, const GreyBlend &blend) {
-  std::uint8_t *const dst = row.dst;
-  const std::size_t n = row.n;
-  const std::uint8_t *const table = blend.table;
-  const auto at = [](const void *p) { return reinterpret_cast<std::uintptr_t>(p); };
-  // Short rows (kLookupVectorFrom, measured on x86, is kept), and rows the
-  // table lies in (whose entries the scalar loop would read after changing
-  // them), go byte by byte.
-  if (n < kLookupVectorFrom || (at(dst) < at(table) + 256 && at(table) < at(dst) + n)) {
-    LookupRow(row, blend);
-  } else {
-    LookupLongRow(dst, n, table);
-  }
-}
-
 }  // namespace
 
-constexpr GreyBlendKernels GreyBlendKernelsNeon = MakeGreyBlendKernels<Neon, void>(LookupRowNeon);
+constexpr GreyBlendKernels GreyBlendKernelsNeon =
+    MakeGreyBlendKernels<Neon, void>(LookupRowBy<LookupLongRow>);
 
 }  // namespace compositing
 }  // namespace ostrel
