@@ -102,9 +102,10 @@ struct Neon {
   // |a| (-32768 stays -32768, as on x86) and b negated where a < 0, 16-bit
   // lanes.
   static Reg Abs16(Reg a) { return R(vabsq_s16(S16(a))); }
+  // (The negation wraps in unsigned lanes: b = -32768 stays -32768.)
   static Reg Sign16(Reg b, Reg a) {
-    const int16x8_t sign = vshrq_n_s16(S16(a), 15);
-    return R(vsubq_s16(veorq_s16(S16(b), sign), sign));
+    const uint16x8_t sign = vreinterpretq_u16_s16(vshrq_n_s16(S16(a), 15));
+    return R(vsubq_u16(veorq_u16(U16(b), sign), sign));
   }
 
   // Whole registers of bytes (kBytes of them), for the grey kernels; bytes
