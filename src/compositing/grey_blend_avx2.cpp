@@ -55,24 +55,11 @@ __attribute__((noinline)) void LookupLongRow(std::uint8_t *dst, std::size_t n,
   if (n % 32 != 0) _mm256_storeu_si256(last, LookupBytes(rows, lastBytes));
 }
 
-void LookupRowAvx2(const GreyRow &row, const GreyBlend &blend) {
-  std::uint8_t *const dst = row.dst;
-  const std::size_t n = row.n;
-  const std::uint8_t *const table = blend.table;
-  const auto at = [](const void *p) { return reinterpret_cast<std::uintptr_t>(p); };
-  // Short rows, and rows the table lies in (whose entries the scalar loop
-  // would read after changing them), go byte by byte.
-  if (n < kLookupVectorFrom || (at(dst) < at(table) + 256 && at(table) < at(dst) + n)) {
-    LookupRow(row, blend);
-  } else {
-    LookupLongRow(dst, n, table);
-  }
-}
-
 }  // namespace
 
 // Rows shorter than 32 bytes run the same kernels 16 bytes at a time.
-constexpr GreyBlendKernels GreyBlendKernelsAvx2 = MakeGreyBlendKernels<Avx2, Sse2>(LookupRowAvx2);
+constexpr GreyBlendKernels GreyBlendKernelsAvx2 =
+    MakeGreyBlendKernels<Avx2, Sse2>(LookupRowBy<LookupLongRow>);
 
 }  // namespace compositing
 }  // namespace ostrel

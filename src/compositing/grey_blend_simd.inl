@@ -210,6 +210,23 @@ void RunGreyRow(const GreyRow &row, const GreyBlend &blend) {
       [&](std::size_t i, const typename Kernel::In &in) { Kernel::Store(r, b, i, in); });
 }
 
+// The lookup entry of a table whose vector form LongRow(dst, n, table) takes
+// rows of at least kLookupVectorFrom bytes that lie apart from the table.
+// Shorter rows, and rows the table lies in (whose entries the scalar loop
+// would read after changing them), go byte by byte.
+template <void (*LongRow)(std::uint8_t *, std::size_t, const std::uint8_t *)>
+void LookupRowBy(const GreyRow &row, const GreyBlend &blend) {
+  std::uint8_t *const dst = row.dst;
+  const std::size_t n = row.n;
+  const std::uint8_t *const table = blend.table;
+  const auto at = [](const void *p) { return reinterpret_cast<std::uintptr_t>(p); };
+  if (n < kLookupVectorFrom || (at(dst) < at(table) + 256 && at(table) < at(dst) + n)) {
+    LookupRow(row, blend);
+  } else {
+    LongRow(dst, n, table);
+  }
+}
+
 // The lookup differs per table; Narrower as RunGreyRow.
 template <class V, class Narrower>
 constexpr GreyBlendKernels MakeGreyBlendKernels(GreyRowKernel lookup) {

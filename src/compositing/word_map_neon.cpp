@@ -1,11 +1,13 @@
-// The NEON table: no entry of its own yet, so every row runs the scalar
-// kernel (see frame/dispatch.h).
+// Per-pixel maps of 12-bit grey buffers with NEON.
+#include "compositing/simd_neon.h"
 #include "compositing/word_map_kernels.h"
+#include "compositing/word_map_simd.inl"
+#include "frame/blend.h"
 
 namespace ostrel {
 namespace compositing {
 
-constexpr WordMapKernels WordMapKernelsNeon = {};
+constexpr WordMapKernels WordMapKernelsNeon = MakeWordMapKernels<Neon, &WordMapKernelsScalar>();
 
 }  // namespace compositing
 }  // namespace ostrel
