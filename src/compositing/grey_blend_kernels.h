@@ -4,7 +4,7 @@
 // alpha multiplication, the lookup table and the grey tone operations (tone
 // curves, luminance, darken and lighten, the ink move) each run their inner
 // loops through these kernels. The scalar definitions (grey_blend_scalar.cpp) read
-// like the rule; the SSE2 and AVX2 versions match them bit for bit.
+// like the rule; the vector versions match them bit for bit.
 #ifndef OSTREL_COMPOSITING_GREY_BLEND_KERNELS_H
 #define OSTREL_COMPOSITING_GREY_BLEND_KERNELS_H
 
@@ -73,10 +73,11 @@ struct GreyBlendKernels {
 OSTREL_KERNEL_FAMILY(GreyBlendKernels)
 
 // The lookup kernel of the scalar and SSE2 tables: bytes are looked up one at
-// a time (SSE2 has no byte-wide table lookup to do better). The AVX2 table
-// looks rows up 32 bytes at a time from kLookupVectorFrom bytes on and passes
-// shorter rows to LookupRow (measured: below it the vector form costs more than
-// it saves), so a caller whose rows are all shorter may call LookupRow itself.
+// a time (SSE2 has no byte-wide table lookup to do better). The AVX2 and NEON
+// tables look rows up 32 or 16 bytes at a time from kLookupVectorFrom bytes on
+// and pass shorter rows to LookupRow (measured on x86: below it the vector
+// form costs more than it saves), so a caller whose rows are all shorter may
+// call LookupRow itself.
 void LookupRow(const GreyRow &row, const GreyBlend &blend);
 constexpr std::size_t kLookupVectorFrom = 40;
 

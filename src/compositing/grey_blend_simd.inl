@@ -1,6 +1,6 @@
 // Grey compositing into 8-bit destinations: the vector kernels, written once
-// for any vector width V (simd_sse2.h, simd_avx2.h) and included by the SSE2
-// and AVX2 kernel files. Every kernel gives exactly the results of its
+// for any vector operation set V (simd_sse2.h, simd_avx2.h, simd_neon.h) and
+// included by the vector kernel files. Every kernel gives exactly the results of its
 // scalar definition (grey_blend_scalar.cpp, or for the tone operations' own
 // kernels their row functions in tone.cpp).
 //
@@ -219,8 +219,7 @@ void LookupRowBy(const GreyRow &row, const GreyBlend &blend) {
   std::uint8_t *const dst = row.dst;
   const std::size_t n = row.n;
   const std::uint8_t *const table = blend.table;
-  const auto at = [](const void *p) { return reinterpret_cast<std::uintptr_t>(p); };
-  if (n < kLookupVectorFrom || (at(dst) < at(table) + 256 && at(table) < at(dst) + n)) {
+  if (n < kLookupVectorFrom || !frame::Disjoint(dst, n, table, 256)) {
     LookupRow(row, blend);
   } else {
     LongRow(dst, n, table);

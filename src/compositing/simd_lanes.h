@@ -1,5 +1,5 @@
-// Blend arithmetic on 16-bit lanes, written once for any vector width V
-// (simd_sse2.h, simd_avx2.h). Shared by the vector kernels of the colour and
+// Blend arithmetic on 16-bit lanes, written once for any vector operation set
+// V (simd_sse2.h, simd_avx2.h, simd_neon.h). Shared by the vector kernels of the colour and
 // grey families; include it after the ops header (in an AVX2 file, after
 // OSTREL_BEGIN_AVX2).
 #ifndef OSTREL_COMPOSITING_SIMD_LANES_H

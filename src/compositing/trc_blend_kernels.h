@@ -5,7 +5,7 @@
 // per-pixel weight (frame/blend.h). They differ in where the target colour
 // and the coverage of a pixel come from, and in what happens to the alpha
 // byte. Each such combination is one kernel here, with a scalar definition
-// (trc_blend_scalar.cpp) that the SSE2 and AVX2 versions match bit for bit.
+// (trc_blend_scalar.cpp) that the vector versions match bit for bit.
 #ifndef OSTREL_COMPOSITING_TRC_BLEND_KERNELS_H
 #define OSTREL_COMPOSITING_TRC_BLEND_KERNELS_H
 

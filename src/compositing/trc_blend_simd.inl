@@ -1,6 +1,6 @@
 // Blends into 32-bit colour pixels: the vector kernels, written once for any
-// vector width V (simd_sse2.h, simd_avx2.h) and included by the SSE2 and
-// AVX2 kernel files. Every kernel gives exactly the results of its scalar
+// vector operation set V (simd_sse2.h, simd_avx2.h, simd_neon.h) and included
+// by the vector kernel files. Every kernel gives exactly the results of its scalar
 // definition in trc_blend_scalar.cpp.
 //
 // How the arithmetic is done on vectors. Each pixel is split, without

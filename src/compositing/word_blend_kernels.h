@@ -3,7 +3,7 @@
 //
 // The 12-bit grey-to-grey blends, the 12-bit density blends and the 12-bit
 // motion copy run their inner loop through one of these kernels. The scalar
-// definitions (word_blend_scalar.cpp) read like the rule; the SSE2 and AVX2
+// definitions (word_blend_scalar.cpp) read like the rule; the vector
 // versions match them bit for bit. Words are not clamped to 12 bits: every
 // word 0..65535 is blended as it is, and each result is stored as its low
 // 16 bits.

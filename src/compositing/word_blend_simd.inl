@@ -1,6 +1,6 @@
 // Grey compositing into 16-bit destination words: the vector kernels, written
-// once for any vector width V (simd_sse2.h, simd_avx2.h) and included by the
-// SSE2 and AVX2 kernel files. Every kernel gives exactly the results of its
+// once for any vector operation set V (simd_sse2.h, simd_avx2.h, simd_neon.h)
+// and included by the vector kernel files. Every kernel gives exactly the results of its
 // scalar definition in word_blend_scalar.cpp.
 //
 // A step blends V::kWords destination words in 16-bit lanes, with the source

@@ -3,7 +3,7 @@
 // The alpha multiplication, the two-level and 8-bit level conversions and
 // the word lookup table each run their inner loop through one of these
 // kernels. The scalar definitions (word_map_scalar.cpp) read like the rule;
-// the SSE2 and AVX2 versions (word_map_simd.inl) match them bit for bit.
+// the vector versions (word_map_simd.inl) match them bit for bit.
 #ifndef OSTREL_COMPOSITING_WORD_MAP_KERNELS_H
 #define OSTREL_COMPOSITING_WORD_MAP_KERNELS_H
 

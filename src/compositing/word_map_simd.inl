@@ -1,6 +1,6 @@
 // Per-pixel maps of 12-bit grey buffers: the vector kernels, written once for
-// any vector width V (simd_sse2.h, simd_avx2.h) and included by the SSE2 and
-// AVX2 kernel files. Every kernel gives exactly the results of its scalar
+// any vector operation set V (simd_sse2.h, simd_avx2.h, simd_neon.h) and
+// included by the vector kernel files. Every kernel gives exactly the results of its scalar
 // definition in word_map_scalar.cpp.
 //
 // A step takes V::kBytes pixels: two registers of source words (and the
