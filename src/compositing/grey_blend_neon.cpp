@@ -34,13 +34,9 @@ inline uint8x16_t LookupBytes(const LookupTable &t, uint8x16_t x) {
 void LookupLongRow(std::uint8_t *dst, std::size_t n, const std::uint8_t *table) {
   LookupTable t;
   for (int q = 0; q < 4; ++q) t.quarter[q] = vld1q_u8_x4(table + 64 * q);
-  // The last 16 bytes are read before any store: looked up at the end, they
-  // rewrite the bytes the loop has already looked up with the same results.
-  std::uint8_t *const last = dst + n - 16;
-  const uint8x16_t lastBytes = vld1q_u8(last);
-  for (std::size_t i = 0; i + 16 <= n; i += 16)
-    vst1q_u8(dst + i, LookupBytes(t, vld1q_u8(dst + i)));
-  if (n % 16 != 0) vst1q_u8(last, LookupBytes(t, lastBytes));
+  RunSteps<16>(
+      n, [&](std::size_t i) { return vld1q_u8(dst + i); },
+      [&](std::size_t i, uint8x16_t x) { vst1q_u8(dst + i, LookupBytes(t, x)); });
 }
 
 }  // namespace
