@@ -1,8 +1,8 @@
 // Grey compositing into 8-bit destinations: the vector kernels, written once
 // for any vector operation set V (simd_sse2.h, simd_avx2.h, simd_neon.h) and
-// included by the vector kernel files. Every kernel gives exactly the results of its
-// scalar definition (grey_blend_scalar.cpp, or for the tone operations' own
-// kernels their row functions in tone.cpp).
+// included by the vector kernel files. Every kernel gives exactly the results
+// of its scalar definition (grey_blend_scalar.cpp, or for the tone
+// operations' own kernels their row functions in tone.cpp).
 //
 // A step takes V::kBytes destination bytes (with the source and coverage
 // bytes that pair with them), widens them to two registers of 16-bit lanes,

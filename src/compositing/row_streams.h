@@ -1,7 +1,8 @@
 // What every kernel family shares around its row kernels: the loop over a
-// clipped region that fills a row record per row (RunRows), a row record's
-// list of streams, the same row further on, and one step's worth of a short
-// row copied into local rows (for the vector row drivers).
+// clipped region that fills a row record per row (RunRows), and the pieces of
+// the vector row drivers: a row in whole steps with an overlapping last step
+// (RunSteps), and a short row or a row's tail run as one step on local rows
+// (RunTail, with RowFrom and LocalRows).
 //
 // A row record (TrcRow, GreyRow, WordRow) is n elements of a destination and
 // of the inputs its kernel reads, each a pointer that may be null when the
@@ -10,7 +11,7 @@
 //   static constexpr auto Streams() { return std::make_tuple(&Row::dst, ...); }
 //   static constexpr std::size_t kWrittenStreams = ...;  // the first ones
 //
-// and RowFrom and LocalRows work on any such record.
+// and RunRows, RowFrom, LocalRows and RunTail work on any such record.
 #ifndef OSTREL_COMPOSITING_ROW_STREAMS_H
 #define OSTREL_COMPOSITING_ROW_STREAMS_H
 

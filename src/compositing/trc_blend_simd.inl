@@ -1,7 +1,7 @@
 // Blends into 32-bit colour pixels: the vector kernels, written once for any
 // vector operation set V (simd_sse2.h, simd_avx2.h, simd_neon.h) and included
-// by the vector kernel files. Every kernel gives exactly the results of its scalar
-// definition in trc_blend_scalar.cpp.
+// by the vector kernel files. Every kernel gives exactly the results of its
+// scalar definition in trc_blend_scalar.cpp.
 //
 // How the arithmetic is done on vectors. Each pixel is split, without
 // shuffles, into its even bytes (blue, red: pixel & 0x00FF00FF) and its odd

@@ -1,7 +1,7 @@
 // Grey compositing into 16-bit destination words: the vector kernels, written
 // once for any vector operation set V (simd_sse2.h, simd_avx2.h, simd_neon.h)
-// and included by the vector kernel files. Every kernel gives exactly the results of its
-// scalar definition in word_blend_scalar.cpp.
+// and included by the vector kernel files. Every kernel gives exactly the
+// results of its scalar definition in word_blend_scalar.cpp.
 //
 // A step blends V::kWords destination words in 16-bit lanes, with the source
 // words and the coverage bytes (widened to 16-bit lanes) that pair with them.

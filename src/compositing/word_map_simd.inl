@@ -1,7 +1,7 @@
 // Per-pixel maps of 12-bit grey buffers: the vector kernels, written once for
 // any vector operation set V (simd_sse2.h, simd_avx2.h, simd_neon.h) and
-// included by the vector kernel files. Every kernel gives exactly the results of its scalar
-// definition in word_map_scalar.cpp.
+// included by the vector kernel files. Every kernel gives exactly the results
+// of its scalar definition in word_map_scalar.cpp.
 //
 // A step takes V::kBytes pixels: two registers of source words (and the
 // coverage bytes, widened to 16-bit lanes), maps each lane, and stores two
