@@ -22,25 +22,18 @@ using ostrel::frame::simd::Isa;
 namespace frame = ostrel::frame;
 namespace simd = ostrel::frame::simd;
 
-TEST(Module, FastFormFlagAndIsMmxAreTheMmxQuery) {
+// The fast-form flag and IsMMX are the MMX query, and the processor-feature
+// queries (IsProcessorFeaturePresent on Windows, cpuid elsewhere) agree with
+// the compiler's own reading of the processor.
+TEST(Module, FeatureQueriesAndTheFastFormFlagMatchTheProcessor) {
   EXPECT_EQ(frame::g_fastFormFlag, frame::QueryMmx());
   EXPECT_EQ(IsMMX(), frame::QueryMmx());
-#if defined(__i386__) || defined(__x86_64__)
-  EXPECT_EQ(frame::g_fastFormFlag, 1);  // every x86 processor this runs on has MMX
-#else
-  EXPECT_EQ(frame::g_fastFormFlag, 0);
-#endif
-}
-
-// The processor-feature queries (IsProcessorFeaturePresent on Windows, cpuid elsewhere) agree
-// with the compiler's own reading of the processor.
-TEST(Module, FeatureQueriesMatchTheProcessor) {
 #if defined(__i386__) || defined(__x86_64__)
   EXPECT_EQ(frame::QueryMmx(), __builtin_cpu_supports("mmx") ? 1 : 0);
   EXPECT_EQ(frame::QuerySse2(), __builtin_cpu_supports("sse2") ? 1 : 0);
   EXPECT_EQ(frame::QuerySse3(), __builtin_cpu_supports("sse3") ? 1 : 0);
 #else
-  EXPECT_EQ(frame::QuerySse2() + frame::QuerySse3(), 0);
+  EXPECT_EQ(frame::QueryMmx() + frame::QuerySse2() + frame::QuerySse3(), 0);
 #endif
 }
 
@@ -52,8 +45,8 @@ TEST(Module, VersionMacrosAreTheProjectVersion) {
   EXPECT_EQ(OSTREL_VERSION_PATCH, OSTREL_PROJECT_VERSION_PATCH);
 }
 
-TEST(Dispatch, LimitIsClampedToWhatTheProcessorRuns) {
-  const Isa best = simd::SupportedIsa();
+TEST(Dispatch, LimitsAreClampedToWhatTheProcessorRunsAndRestored) {
+  const Isa best = simd::SupportedIsa(), before = simd::ActiveIsa();
 #if OSTREL_KERNELS_SSE2 && (defined(__x86_64__) || defined(_M_X64))
   EXPECT_GE(static_cast<int>(best), static_cast<int>(Isa::kSse2));  // the x86-64 baseline
 #elif OSTREL_KERNELS_NEON
@@ -65,29 +58,20 @@ TEST(Dispatch, LimitIsClampedToWhatTheProcessorRuns) {
   ASSERT_FALSE(runnable.empty());
   EXPECT_STREQ(runnable.front().name, "scalar");
   EXPECT_EQ(runnable.back().isa, best);
-  const simd::ScopedIsaLimit restore(best);
-  // A limit the processor runs is taken as it is; one above them all gives
-  // the best; every set named runs here and was built.
-  for (const simd::IsaInfo &info : runnable) {
-    EXPECT_TRUE(info.built) << info.name;
-    simd::LimitIsaForTesting(info.isa);
-    EXPECT_EQ(simd::ActiveIsa(), info.isa) << info.name;
-  }
-  simd::LimitIsaForTesting(static_cast<Isa>(simd::kIsaCount - 1));
-  EXPECT_EQ(simd::ActiveIsa(), best);
   for (const simd::IsaInfo &info : simd::kIsas) {
     if (!info.built) { EXPECT_FALSE(simd::Runs(info.isa)) << info.name; }
   }
-}
-
-TEST(Dispatch, ScopedLimitsNestAndRestore) {
-  const Isa before = simd::ActiveIsa();
   {
+    // A limit the processor runs is taken as it is; one above them all gives
+    // the best; nested limits restore what was active before them.
     const simd::ScopedIsaLimit outer(Isa::kScalar);
-    EXPECT_EQ(simd::ActiveIsa(), Isa::kScalar);
+    for (const simd::IsaInfo &info : runnable) {
+      const simd::ScopedIsaLimit inner(info.isa);
+      EXPECT_EQ(simd::ActiveIsa(), info.isa) << info.name;
+    }
     {
       const simd::ScopedIsaLimit inner(simd::kIsas[simd::kIsaCount - 1].isa);
-      EXPECT_EQ(simd::ActiveIsa(), simd::SupportedIsa());
+      EXPECT_EQ(simd::ActiveIsa(), best);
     }
     EXPECT_EQ(simd::ActiveIsa(), Isa::kScalar);
   }
